@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVector>
+#include <functional>
+
+/** The field every job works on: W·H doubles column by column, rows from the bottom. */
+struct BenchField {
+    int width = 0;
+    int height = 0;
+    QVector<double> z;
+};
+
+/** One timed job: `prepare` runs untimed before every repetition, `run` is timed. */
+struct BenchJob {
+    QString name;
+    std::function<void()> run;
+    std::function<void()> prepare;
+};
+
+/** Context the job lists are built from. */
+struct BenchContext {
+    BenchField field;
+    QString workDir; ///< a scratch folder, removed at exit
+    quint64 seed = 12345;
+    int threads = 0;
+};
+
+/** Each job file contributes one list; main.cpp gathers them. */
+QList<BenchJob> settingsBenchJobs(BenchContext& context);
+
+/** Times a job: one untimed warm-up, then @p reps timed runs; returns the median in ms. */
+double benchMedianMs(const BenchJob& job, int reps);

@@ -1,0 +1,92 @@
+#include "cliargs.h"
+#include "clicommand.h"
+
+#include "core/settings/options.h"
+
+#include <QCoreApplication>
+#include <QThreadPool>
+#include <unistd.h>
+
+namespace {
+
+void printHelp(QTextStream& out, const QList<CliCommand>& commands)
+{
+    out << "Usage: velmora-cli COMMAND [OPTIONS] [FILES]\n\n"
+           "Global options:\n"
+           "  --settings-dir DIR   use DIR as the settings folder (settings.db, history/, temp/)\n"
+           "  --threads N          worker threads (default: all cores)\n"
+           "  --help               this text; COMMAND --help for one command\n"
+           "  --version            the program's version\n\n"
+           "Commands:\n";
+    for (const CliCommand& command : commands)
+        out << "  " << command.name.leftJustified(14) << command.summary << '\n';
+    out << "\nExit status: 0 success, 1 the operation failed, 2 a usage error.\n";
+    out.flush();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("velmora-cli"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VELMORA_VERSION));
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+
+    // Global options may stand anywhere on the line; the first remaining word names the command.
+    CliArgs globals(app.arguments().mid(1));
+    bool settingsGiven = false;
+    const QString settingsDir = globals.takeOption(QStringLiteral("--settings-dir"), &settingsGiven);
+    bool threadsGiven = false;
+    const QString threadsText = globals.takeOption(QStringLiteral("--threads"), &threadsGiven);
+    const bool help = globals.takeFlag(QStringLiteral("--help")) | globals.takeFlag(QStringLiteral("-h"));
+    const bool version = globals.takeFlag(QStringLiteral("--version"));
+    const QStringList rest = globals.remaining();
+    const QList<CliCommand> commands = allCliCommands();
+
+    if (version) {
+        out << "velmora-cli " << VELMORA_VERSION << Qt::endl;
+        return CliSuccess;
+    }
+    if ((settingsGiven && settingsDir.isEmpty()) || (!globals.usageError().isEmpty() && rest.isEmpty())) {
+        err << "missing value for a global option" << Qt::endl;
+        return CliUsage;
+    }
+    if (rest.isEmpty()) {
+        printHelp(help ? out : err, commands);
+        return help ? CliSuccess : CliUsage;
+    }
+    const QString name = rest.first();
+    const auto found
+        = std::find_if(commands.cbegin(), commands.cend(), [&name](const CliCommand& c) { return c.name == name; });
+    if (found == commands.cend()) {
+        err << "unknown command: " << name << "\n\n";
+        printHelp(err, commands);
+        return CliUsage;
+    }
+    if (help) {
+        out << "Usage: velmora-cli " << found->usage << "\n  " << found->summary << Qt::endl;
+        return CliSuccess;
+    }
+
+    int threads = 0;
+    if (threadsGiven) {
+        bool ok = false;
+        threads = threadsText.toInt(&ok);
+        if (!ok || threads < 1) {
+            err << "--threads needs a positive number" << Qt::endl;
+            return CliUsage;
+        }
+        QThreadPool::globalInstance()->setMaxThreadCount(threads);
+    }
+
+    Options::initialize(settingsDir);
+    CliContext context { out, err, threads, isatty(STDERR_FILENO) != 0 };
+    CliArgs commandArgs(rest.mid(1));
+    const int status = found->run(context, commandArgs);
+    out.flush();
+    err.flush();
+    Options::shutdown();
+    return status;
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QVector>
+#include <cstdint>
+
+/**
+ * A deterministic synthetic height image: tilted plane, smooth background waves, round grains,
+ * white noise and a few single-point spikes. z in nm; the matrix is column by column, rows from the bottom.
+ */
+class SyntheticField final {
+public:
+    struct Parameters {
+        int width = 256;
+        int height = 256;
+        int grains = -1; ///< -1: one grain per 8192 points
+        uint64_t seed = 12345;
+        double noise = 0.05;
+    };
+    static QVector<double> generate(const Parameters& parameters);
+};
