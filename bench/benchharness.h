@@ -27,8 +27,14 @@ struct BenchContext {
     int threads = 0;
 };
 
-/** Each job file contributes one list; main.cpp gathers them. */
-QList<BenchJob> settingsBenchJobs(BenchContext& context);
+using BenchJobFactory = QList<BenchJob> (*)(BenchContext& context);
+
+/** A job file registers its factory with a static instance of this; main.cpp runs them by @p order. */
+struct BenchRegistration {
+    BenchRegistration(int order, BenchJobFactory factory);
+};
+
+QList<QPair<int, BenchJobFactory>> benchFactories();
 
 /** Times a job: one untimed warm-up, then @p reps timed runs; returns the median in ms. */
 double benchMedianMs(const BenchJob& job, int reps);

@@ -125,7 +125,8 @@ int main(int argc, char** argv)
     out << "# columns: job<TAB>median_ms<TAB>reps; one untimed warm-up per job" << Qt::endl;
 
     QList<BenchJob> jobs;
-    jobs += settingsBenchJobs(context);
+    for (const auto& factory : benchFactories())
+        jobs += factory.second(context);
     for (const BenchJob& job : jobs) {
         if (!only.pattern().isEmpty() && !only.match(job.name).hasMatch())
             continue;

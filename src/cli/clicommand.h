@@ -31,8 +31,13 @@ struct CliCommand {
     QString usage;
     QString summary;
     std::function<int(CliContext&, CliArgs&)> run;
+    int order = 100; ///< place in `--help`
 };
 
-/** Every command, in the order `--help` lists them; each command file contributes one list. */
+/** A command file registers its commands with a static instance of this; there is no central list to edit. */
+struct CliCommandRegistration {
+    explicit CliCommandRegistration(const QList<CliCommand>& commands);
+};
+
+/** Every registered command, in the order `--help` lists them. */
 QList<CliCommand> allCliCommands();
-QList<CliCommand> settingsCliCommands();

@@ -39,10 +39,8 @@ int runSettings(CliContext& ctx, CliArgs& args)
     return CliUsage;
 }
 
-} // namespace
+const CliCommandRegistration registration(
+    { { QStringLiteral("settings"), QStringLiteral("settings list [PREFIX] | get KEY | set KEY VALUE"),
+        QStringLiteral("list, read and write the settings store"), runSettings, 900 } });
 
-QList<CliCommand> settingsCliCommands()
-{
-    return { { QStringLiteral("settings"), QStringLiteral("settings list [PREFIX] | get KEY | set KEY VALUE"),
-        QStringLiteral("list, read and write the settings store"), runSettings } };
-}
+} // namespace
