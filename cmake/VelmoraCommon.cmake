@@ -21,6 +21,9 @@ set(VELMORA_CORE_TARGETS "" CACHE INTERNAL "core library targets")
 # velmora_core_library(name SOURCES ... LINKS ...): one static library per folder of src/core.
 function(velmora_core_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  if(NOT ARG_SOURCES)
+    return() # a folder whose first sources are still being written
+  endif()
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC velmora_common ${ARG_LINKS})
   set(VELMORA_CORE_TARGETS ${VELMORA_CORE_TARGETS} ${name} CACHE INTERNAL "core library targets")
