@@ -1,4 +1,5 @@
 # Scans src/core for includes of widget-side headers and of core folders above a folder's layer.
+cmake_policy(SET CMP0057 NEW) # IN_LIST in script mode
 set(allowed_base "")
 set(allowed_settings "base")
 set(allowed_display "base;settings")

@@ -12,6 +12,7 @@
 #include <QRect>
 #include <QStringList>
 #include <QVector>
+#include <atomic>
 
 /**
  * The image item: a picture, a z-matrix and a mask of one size W x H, an object layer, a calibration
@@ -43,6 +44,7 @@ public:
         AllParts = 0x4F,
     };
     Q_DECLARE_FLAGS(Parts, Part)
+    Q_FLAG(Parts)
 
     /** Calibration values of the header. */
     struct SciValues {
@@ -66,8 +68,11 @@ public:
 
     /** Deep copy of every field, matrix and object (not the QObject parent). */
     void copyFrom(const QSciImage& other);
-    /** A new, unparented item holding a deep copy of this one. */
+    /** A new, unparented item holding a deep copy of this one, with its own creation time. */
     QSciImage* duplicate() const;
+
+    /** A number unique to this object for the whole run; never copied, so the history can tell objects apart. */
+    quint64 serial() const { return m_serial; }
 
     // ---- size and place -------------------------------------------------------------------------
     int width() const { return m_width; }
@@ -84,6 +89,7 @@ public:
 
     // ---- z-matrix ----------------------------------------------------------------------------------
     double z(int x, int y) const { return m_z[qsizetype(x) * m_height + y]; }
+    /** Per-point setters (setZ, setPixel, setPixelSelected) do not notify: call notifyChanged() after a batch. */
     void setZ(int x, int y, double value);
     /** W*H doubles, column by column, rows from the bottom. Writers call notifyChanged(ZPart) afterwards. */
     const double* zData() const { return m_z.constData(); }
@@ -111,12 +117,21 @@ public:
     /** W*H bytes (0 or 1), column by column, rows from the bottom; call notifyChanged(MaskPart) after writing. */
     const uchar* maskData() const { return m_mask.constData(); }
     uchar* maskData() { return m_mask.data(); }
+    QVector<uchar> maskMatrix() const { return m_mask; }
+    /** Replaces the mask (any non-zero byte selects); false when @p mask does not hold W*H values. */
+    [[nodiscard]] bool setMask(const QVector<uchar>& mask);
     /** Bounding rectangle of the selected points in display terms (row 0 on top); empty when none. */
     QRect maskBorderRect() const;
     qsizetype maskSelectedCount() const;
     void selectAllMask();
     void clearMask();
     void invertMask();
+
+    /**
+     * Replaces all three matrices at once, the item taking the picture's size; false (and nothing changes)
+     * when the picture is empty or @p z and @p mask do not hold W*H values.
+     */
+    [[nodiscard]] bool setContent(const QImage& picture, const QVector<double>& z, const QVector<uchar>& mask);
 
     // ---- objects -----------------------------------------------------------------------------------
     const QList<QSciSingleObject>& objects() const { return m_objects; }
@@ -182,14 +197,20 @@ public:
     void mapPictureToZ();
     /** z' = z * multiply + add; the two numbers are kept as the last calibration. */
     void recalibrateZ(double multiply, double add);
+    /** Flips and rotations move all three matrices together; the object layer, which they make stale, is dropped. */
     void flipHorizontal();
     void flipVertical();
-    /** Rotates by +90 (clockwise), -90 or 180 degrees; W and H swap for +-90. Other angles do nothing. */
+    /**
+     * Rotates by +90 (clockwise), -90 or 180 degrees; W and H swap for +-90, and so do the x and y
+     * calibration values. Other angles do nothing.
+     */
     void rotate(int degrees);
     /**
      * The shared resize step: the matrices become the size of @p rect (in this item's own display
      * coordinates, row 0 on top, may reach outside the item); old points inside keep their values, new
      * points get @p zFill in z, @p pictureFill in the picture and are unselected. Objects are dropped.
+     * The item moves by the rectangle's top-left corner, so the points it keeps stay where they were on the
+     * tab, and the physical size scales with the point count. An empty @p rect does nothing.
      */
     void resizeToRect(const QRect& rect, double zFill, QRgb pictureFill = qRgba(0, 0, 0, 0));
     /** Cuts to the bounding rectangle of the mask; nothing happens without a selected point. */
@@ -199,6 +220,7 @@ public:
     void clearObjects();
 
     /** Tells views that @p parts changed after direct writes through zData(), maskData() or pictureRef(). */
+    /** Emits contentChanged(@p parts) unless the item is loading. */
     void notifyChanged(Parts parts);
 
 signals:
@@ -209,7 +231,13 @@ signals:
 
 private:
     void resetMatrices(int width, int height, const QColor& background);
+    static quint64 nextSerial()
+    {
+        static std::atomic<quint64> counter { 0 };
+        return ++counter;
+    }
 
+    const quint64 m_serial = nextSerial();
     int m_width = 0;
     int m_height = 0;
     int m_left = 0;

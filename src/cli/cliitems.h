@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QColor>
+#include <QSize>
+#include <QString>
+
+struct CliContext;
+class QSciImage;
+
+/** What the item commands share: reading and writing items with the program's own messages, and parsing. */
+class CliItems final {
+public:
+    /** Loads @p path into @p item; prints the message and returns false on failure. */
+    static bool load(CliContext& context, const QString& path, QSciImage& item);
+    /** Saves the whole item to @p path (atomically); prints the message on failure. */
+    static bool save(CliContext& context, QSciImage& item, const QString& path);
+    /** "WxH" with both positive and at most 65536 each. */
+    static bool parseSize(const QString& text, QSize* size);
+    /** A colour name or #RRGGBB. */
+    static bool parseColor(const QString& text, QColor* color);
+    /** Writes @p data to @p path atomically, or to stdout when @p path is empty. */
+    static bool writeOut(CliContext& context, const QString& path, const QByteArray& data);
+};

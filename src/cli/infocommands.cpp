@@ -1,0 +1,80 @@
+#include "cliargs.h"
+#include "clicommand.h"
+#include "cliitems.h"
+
+#include "core/items/itemfile.h"
+#include "core/items/qsciimage.h"
+
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+QJsonArray pairs(const QList<QPair<QString, QString>>& list)
+{
+    QJsonArray array;
+    for (const auto& pair : list)
+        array.append(QJsonArray { pair.first, pair.second });
+    return array;
+}
+
+QJsonObject zStatistics(const QSciImage& item)
+{
+    const qsizetype n = qsizetype(item.width()) * item.height();
+    const double* z = item.zData();
+    double minimum = n ? z[0] : 0, maximum = minimum, sum = 0;
+    for (qsizetype i = 0; i < n; ++i) {
+        minimum = qMin(minimum, z[i]);
+        maximum = qMax(maximum, z[i]);
+        sum += z[i];
+    }
+    return { { QStringLiteral("min"), minimum }, { QStringLiteral("max"), maximum },
+        { QStringLiteral("mean"), n ? sum / double(n) : 0.0 } };
+}
+
+int runInfo(CliContext& ctx, CliArgs& args)
+{
+    const bool withObjects = args.takeFlag(QStringLiteral("--objects"));
+    const QString problem = args.usageError();
+    if (!problem.isEmpty() || args.positional().size() != 1) {
+        ctx.err << (problem.isEmpty() ? QStringLiteral("info needs one FILE") : problem) << Qt::endl;
+        return CliUsage;
+    }
+    const QString path = args.positional().first();
+    if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path))
+        return ctx.fail(QStringLiteral("Unable to read from file: ") + path);
+    ItemFile::Info info;
+    QString message;
+    if (!ItemFile::readInfo(path, &info, &message))
+        return ctx.fail(message);
+    QSciImage item;
+    if (!CliItems::load(ctx, path, item))
+        return CliFailure;
+
+    QJsonObject properties;
+    for (const auto& pair : qAsConst(info.properties)) {
+        if (!properties.contains(pair.first))
+            properties.insert(pair.first, pair.second);
+    }
+    QJsonObject json { { QStringLiteral("type"), QStringLiteral("image") }, { QStringLiteral("width"), info.width },
+        { QStringLiteral("height"), info.height }, { QStringLiteral("parts"), info.flags.toString() },
+        { QStringLiteral("properties"), properties }, { QStringLiteral("header"), pairs(info.instrumentHeader) },
+        { QStringLiteral("textLines"), QJsonArray::fromStringList(info.textLines) },
+        { QStringLiteral("objects"), item.objects().size() }, { QStringLiteral("z"), zStatistics(item) },
+        { QStringLiteral("maskSelected"), double(item.maskSelectedCount()) } };
+    if (withObjects) {
+        QJsonArray records;
+        for (const QSciSingleObject& object : item.objects())
+            records.append(object.toString());
+        json.insert(QStringLiteral("objectRecords"), records);
+    }
+    ctx.out << QJsonDocument(json).toJson(QJsonDocument::Indented);
+    return CliSuccess;
+}
+
+const CliCommandRegistration registration({ { QStringLiteral("info"), QStringLiteral("info FILE [--objects]"),
+    QStringLiteral("JSON describing a native file"), runInfo, 10 } });
+
+} // namespace

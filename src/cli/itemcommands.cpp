@@ -1,0 +1,226 @@
+#include "cliargs.h"
+#include "clicommand.h"
+#include "cliitems.h"
+
+#include "core/display/colorgradient.h"
+#include "core/items/qsciimage.h"
+#include "core/items/textmatrix.h"
+#include "core/processing/syntheticfield.h"
+#include "core/settings/options.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+int usage(CliContext& ctx, const QString& text)
+{
+    ctx.err << text << Qt::endl;
+    return CliUsage;
+}
+
+/** Checks the leftovers of a command line: a usage error or the wrong number of file arguments. */
+bool checkArgs(CliContext& ctx, const CliArgs& args, int files, int* status)
+{
+    QString problem = args.usageError();
+    if (problem.isEmpty() && args.positional().size() != files)
+        problem = files == 0 ? QStringLiteral("unexpected argument %1").arg(args.positional().value(0))
+                             : QStringLiteral("expected %1 file argument(s)").arg(files);
+    if (problem.isEmpty())
+        return true;
+    *status = usage(ctx, problem);
+    return false;
+}
+
+QString baseName(const QString& path)
+{
+    QString name = QFileInfo(path).fileName();
+    if (name.endsWith(QLatin1String(".img.velm"), Qt::CaseInsensitive))
+        return name.left(name.size() - 9);
+    return QFileInfo(path).completeBaseName();
+}
+
+/** A gradient given as a built-in number or as a token string. */
+bool parseGradient(const QString& text, ColorGradient* gradient)
+{
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    if (isNumber) {
+        if (number < 1 || number > ColorGradient::builtInCount())
+            return false;
+        *gradient = ColorGradient::builtIn(number);
+        return true;
+    }
+    gradient->fromString(text);
+    return true;
+}
+
+int runNew(CliContext& ctx, CliArgs& args)
+{
+    const QString sizeText = args.takeRequired(QStringLiteral("--size"));
+    const QString out = args.takeRequired(QStringLiteral("--out"));
+    bool colorGiven = false;
+    const QString colorText = args.takeOption(QStringLiteral("--color"), &colorGiven);
+    int status = CliSuccess;
+    if (!checkArgs(ctx, args, 0, &status))
+        return status;
+    QSize size;
+    QColor color(Qt::white);
+    if (!CliItems::parseSize(sizeText, &size))
+        return usage(ctx, QStringLiteral("--size needs WxH, for example 512x512"));
+    if (colorGiven && !CliItems::parseColor(colorText, &color))
+        return usage(ctx, QStringLiteral("--color needs a colour name or #RRGGBB"));
+    QSciImage item(size.width(), size.height(), color);
+    item.setName(baseName(out));
+    item.setCreationTime(QDateTime::currentDateTime());
+    return CliItems::save(ctx, item, out) ? CliSuccess : CliFailure;
+}
+
+int runSynth(CliContext& ctx, CliArgs& args)
+{
+    const QString sizeText = args.takeRequired(QStringLiteral("--size"));
+    const QString out = args.takeRequired(QStringLiteral("--out"));
+    bool grainsGiven = false, seedGiven = false, noiseGiven = false;
+    const QString grainsText = args.takeOption(QStringLiteral("--grains"), &grainsGiven);
+    const QString seedText = args.takeOption(QStringLiteral("--seed"), &seedGiven);
+    const QString noiseText = args.takeOption(QStringLiteral("--noise"), &noiseGiven);
+    int status = CliSuccess;
+    if (!checkArgs(ctx, args, 0, &status))
+        return status;
+    SyntheticField::Parameters p;
+    QSize size;
+    bool ok = CliItems::parseSize(sizeText, &size);
+    p.width = size.width();
+    p.height = size.height();
+    if (ok && grainsGiven)
+        p.grains = grainsText.toInt(&ok);
+    if (ok && seedGiven)
+        p.seed = seedText.toULongLong(&ok);
+    if (ok && noiseGiven)
+        p.noise = noiseText.toDouble(&ok);
+    if (!ok || p.grains < -1 || p.noise < 0)
+        return usage(ctx, QStringLiteral("synth: --size WxH, --grains N >= 0, --seed S, --noise SIGMA >= 0"));
+    QSciImage item(p.width, p.height, Qt::white);
+    if (!item.setZMatrix(SyntheticField::generate(p)))
+        return ctx.fail(QStringLiteral("synth: the field does not fit the item"));
+    QSciImage::SciValues values;
+    values.xUnit = values.yUnit = values.zUnit = QStringLiteral("nm");
+    values.sizeX = p.width;
+    values.sizeY = p.height;
+    item.setSciValues(values);
+    item.setName(baseName(out));
+    item.mapZToPicture();
+    return CliItems::save(ctx, item, out) ? CliSuccess : CliFailure;
+}
+
+int runImportZ(CliContext& ctx, CliArgs& args)
+{
+    const QString out = args.takeRequired(QStringLiteral("--out"));
+    QString units[3];
+    const char* unitOptions[3] = { "--x-unit", "--y-unit", "--z-unit" };
+    for (int i = 0; i < 3; ++i)
+        units[i] = args.takeOption(QString::fromLatin1(unitOptions[i]));
+    bool xGiven = false, yGiven = false;
+    const QString xSize = args.takeOption(QStringLiteral("--x-size"), &xGiven);
+    const QString ySize = args.takeOption(QStringLiteral("--y-size"), &yGiven);
+    int status = CliSuccess;
+    if (!checkArgs(ctx, args, 1, &status))
+        return status;
+    bool ok = true;
+    const double sizeX = xGiven ? xSize.toDouble(&ok) : 0;
+    if (ok && yGiven)
+        (void)ySize.toDouble(&ok);
+    if (!ok)
+        return usage(ctx, QStringLiteral("--x-size and --y-size need numbers"));
+    const QString path = args.positional().first();
+    QFile file(path);
+    if (!file.exists())
+        return ctx.fail(QStringLiteral("File does not exist: ") + path);
+    if (!file.open(QIODevice::ReadOnly))
+        return ctx.fail(QStringLiteral("Unable to open file: ") + path);
+    QVector<double> z;
+    int w = 0, h = 0;
+    QString message;
+    if (!TextMatrix::read(file.readAll(), &z, &w, &h, &message))
+        return ctx.fail(message + QStringLiteral(": ") + path);
+    QSciImage item(w, h, Qt::white);
+    (void)item.setZMatrix(z);
+    QSciImage::SciValues values;
+    values.xUnit = units[0];
+    values.yUnit = units[1];
+    values.zUnit = units[2];
+    values.sizeX = xGiven ? sizeX : w;
+    values.sizeY = yGiven ? ySize.toDouble() : h;
+    values.xUnitPerPixel = values.sizeX / w;
+    values.yUnitPerPixel = values.sizeY / h;
+    item.setSciValues(values);
+    item.setName(baseName(out));
+    ColorGradient gradient;
+    gradient.fromString(Options::getString(QStringLiteral("FormChooseColorGradient.gradient"), QString()));
+    item.setColorGradient(gradient);
+    item.mapZToPicture();
+    return CliItems::save(ctx, item, out) ? CliSuccess : CliFailure;
+}
+
+int runExport(CliContext& ctx, CliArgs& args, bool mask)
+{
+    const QString out = args.takeOption(QStringLiteral("--out"));
+    int status = CliSuccess;
+    if (!checkArgs(ctx, args, 1, &status))
+        return status;
+    QSciImage item;
+    if (!CliItems::load(ctx, args.positional().first(), item))
+        return CliFailure;
+    const QByteArray text = mask ? TextMatrix::writeMask(item.maskData(), item.width(), item.height())
+                                 : TextMatrix::write(item.zData(), item.width(), item.height());
+    return CliItems::writeOut(ctx, out, text) ? CliSuccess : CliFailure;
+}
+
+int runRender(CliContext& ctx, CliArgs& args)
+{
+    const QString out = args.takeRequired(QStringLiteral("--out"));
+    const bool fromZ = args.takeFlag(QStringLiteral("--from-z"));
+    bool gradientGiven = false;
+    const QString gradientText = args.takeOption(QStringLiteral("--gradient"), &gradientGiven);
+    int status = CliSuccess;
+    if (!checkArgs(ctx, args, 1, &status))
+        return status;
+    ColorGradient gradient;
+    if (gradientGiven && !parseGradient(gradientText, &gradient))
+        return usage(
+            ctx, QStringLiteral("--gradient needs 1 to %1 or a token string").arg(ColorGradient::builtInCount()));
+    QSciImage item;
+    if (!CliItems::load(ctx, args.positional().first(), item))
+        return CliFailure;
+    if (gradientGiven)
+        item.setColorGradient(gradient);
+    if (fromZ || gradientGiven)
+        item.mapZToPicture();
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    if (!item.picture().save(&buffer, "PNG"))
+        return ctx.fail(QStringLiteral("Unable to write file: ") + out);
+    return CliItems::writeOut(ctx, out, png) ? CliSuccess : CliFailure;
+}
+
+const CliCommandRegistration registration({
+    { QStringLiteral("new"), QStringLiteral("new --size WxH [--color NAME|#RRGGBB] --out FILE"),
+        QStringLiteral("a blank item (z all 0, picture filled, no mask)"), runNew, 20 },
+    { QStringLiteral("synth"), QStringLiteral("synth --size WxH [--grains N] [--seed S] [--noise SIGMA] --out FILE"),
+        QStringLiteral("a deterministic synthetic height image"), runSynth, 21 },
+    { QStringLiteral("import-z"),
+        QStringLiteral("import-z TEXT --out FILE [--x-unit U] [--y-unit U] [--z-unit U] [--x-size S] [--y-size S]"),
+        QStringLiteral("an item from a text matrix (first line the top row)"), runImportZ, 22 },
+    { QStringLiteral("export-z"), QStringLiteral("export-z FILE [--out TEXT]"),
+        QStringLiteral("the z-matrix as a text matrix"),
+        [](CliContext& c, CliArgs& a) { return runExport(c, a, false); }, 23 },
+    { QStringLiteral("export-mask"), QStringLiteral("export-mask FILE [--out TEXT]"),
+        QStringLiteral("the mask as a text matrix of 1 and 0"),
+        [](CliContext& c, CliArgs& a) { return runExport(c, a, true); }, 24 },
+    { QStringLiteral("render"), QStringLiteral("render FILE --out PNG [--from-z] [--gradient N|TOKEN]"),
+        QStringLiteral("the item's picture as PNG, optionally mapped from z first"), runRender, 25 },
+});
+
+} // namespace

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "core/items/qsciimage.h"
+
+#include <QList>
+#include <QMutex>
+#include <QObject>
+#include <QStringList>
+
+class QSciHistoryHost;
+class QSciHistoryToken;
+class QSciHistoryTransaction;
+
+/**
+ * Undo and redo by transactions whose item states are native item files in the history folder.
+ * One per run, made on first use. The mutex is held from begin to commit or cancel, so transactions
+ * never interleave; all calls come from the thread that owns the items.
+ */
+class QSciHistoryManager final : public QObject {
+    Q_OBJECT
+
+public:
+    static QSciHistoryManager* instance();
+
+    bool isEnabled() const { return m_enabled; }
+    void setEnabled(bool enabled);
+    quint64 currentSize() const { return m_currentSize; }
+    quint64 maximumSize() const { return m_maximumSize; }
+    void setMaximumSize(quint64 bytes) { m_maximumSize = bytes; }
+    QString directory() const { return m_directory; }
+    /** Re-reads `history.historyDir` and `history.maxHistoryMB` (after the settings folder changed). */
+    void reloadSettings();
+
+    bool inTransaction() const { return m_current != nullptr; }
+    QString currentTransactionName() const;
+    /** Begins a transaction on @p tab of @p host; does nothing while history is off. */
+    void beginTransaction(const QString& name, QSciHistoryHost* host, QObject* tab);
+    /** Records @p parts of @p item as they are now (mode 2); a second call for the same item adds parts. */
+    void saveItem(QSciImage* item, QSciImage::Parts parts);
+    /** @p item was just made by the running operation (mode 1). */
+    void recordCreated(QSciImage* item);
+    /** @p item is about to be removed from its tab (mode 3). */
+    void recordRemoval(QSciImage* item);
+    /** The stacking order of @p tab is about to change (mode 4). */
+    void recordOrder(QObject* tab);
+    void commitTransaction();
+    void cancelTransaction();
+
+    /** False with "Nothing to undo" when the undo list is empty. */
+    bool undo(QString* message = nullptr);
+    bool redo(QString* message = nullptr);
+    QStringList undoNames() const;
+    QStringList redoNames() const;
+    /** Drops every transaction of @p host (its project closes), or all with nullptr. */
+    void forget(QSciHistoryHost* host = nullptr);
+    /** Removes the ".tmp.img.velm" files a run left in the history folder. */
+    void cleanDirectory();
+
+signals:
+    /** The undo or redo list changed. */
+    void changed();
+
+private:
+    QSciHistoryManager();
+    ~QSciHistoryManager() override;
+    quint32 nextTag() { return ++m_lastTag; }
+    void sizeCheck();
+    void step(QSciHistoryTransaction* transaction, bool undo);
+    void replaceReferences(quint64 oldSerial, QSciImage* replacement, QSciHistoryHost* host);
+    void destroyTransactions(QList<QSciHistoryTransaction*>& list);
+
+    quint64 m_currentSize = 0;
+    quint64 m_maximumSize = 0;
+    QList<QSciHistoryTransaction*> m_undo;
+    QList<QSciHistoryTransaction*> m_redo;
+    QSciHistoryTransaction* m_current = nullptr;
+    bool m_enabled = true;
+    QString m_directory;
+    quint32 m_lastTag = 0;
+    QMutex m_mutex;
+};

@@ -1,0 +1,705 @@
+#include "qsciimage.h"
+
+#include <QColor>
+#include <QtConcurrent/QtConcurrentMap>
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <numeric>
+
+namespace {
+
+/** Below this many points the thread pool costs more than it saves. */
+constexpr qsizetype ParallelPoints = qsizetype(1) << 16;
+/** Column bands and row blocks of this size keep a transposing loop's writes within the L1 cache. */
+constexpr int Tile = 64;
+
+template <typename Function> void forEachBand(int count, qsizetype points, Function function)
+{
+    if (count <= 1 || points < ParallelPoints) {
+        for (int i = 0; i < count; ++i)
+            function(i);
+        return;
+    }
+    QVector<int> bands(count);
+    std::iota(bands.begin(), bands.end(), 0);
+    QtConcurrent::blockingMap(bands, [&function](int band) { function(band); });
+}
+
+inline QRgb* pixelAt(uchar* bits, qsizetype bytesPerLine, int column, int row)
+{
+    return reinterpret_cast<QRgb*>(bits + row * bytesPerLine) + column;
+}
+
+inline const QRgb* pixelAt(const uchar* bits, qsizetype bytesPerLine, int column, int row)
+{
+    return reinterpret_cast<const QRgb*>(bits + row * bytesPerLine) + column;
+}
+
+struct Matrices {
+    QImage picture;
+    QVector<double> z;
+    QVector<uchar> mask;
+};
+
+/**
+ * Moves every point (x, y) of a W x H item to map(x, y) in a newWidth x newHeight one; @p map must be a
+ * bijection. Bands of old columns run in parallel, each writing its own points.
+ */
+template <typename Map>
+Matrices transformed(int width, int height, int newWidth, int newHeight, const QImage& picture,
+    const QVector<double>& z, const QVector<uchar>& mask, Map map)
+{
+    Matrices out;
+    out.picture = QImage(newWidth, newHeight, QImage::Format_ARGB32);
+    out.z.resize(int(qsizetype(newWidth) * newHeight));
+    out.mask.resize(out.z.size());
+    const double* zIn = z.constData();
+    const uchar* maskIn = mask.constData();
+    const uchar* picIn = picture.constBits();
+    const qsizetype bplIn = picture.bytesPerLine();
+    double* zOut = out.z.data();
+    uchar* maskOut = out.mask.data();
+    uchar* picOut = out.picture.bits();
+    const qsizetype bplOut = out.picture.bytesPerLine();
+    forEachBand((width + Tile - 1) / Tile, qsizetype(width) * height, [&](int band) {
+        const int x1 = qMin(width, (band + 1) * Tile);
+        for (int x = band * Tile; x < x1; ++x) {
+            for (int y = 0; y < height; ++y) {
+                const QPoint to = map(x, y);
+                const qsizetype from = qsizetype(x) * height + y;
+                const qsizetype index = qsizetype(to.x()) * newHeight + to.y();
+                zOut[index] = zIn[from];
+                maskOut[index] = maskIn[from];
+                *pixelAt(picOut, bplOut, to.x(), newHeight - 1 - to.y()) = *pixelAt(picIn, bplIn, x, height - 1 - y);
+            }
+        }
+    });
+    return out;
+}
+
+const QMap<QString, QString>& defaultDisplayElementMap()
+{
+    static const QMap<QString, QString> map = [] {
+        QMap<QString, QString> m;
+        for (const auto& pair : QSciImage::displayElementDefaults())
+            m.insert(pair.first, pair.second);
+        return m;
+    }();
+    return map;
+}
+
+} // namespace
+
+bool QSciImage::SciValues::operator==(const SciValues& o) const
+{
+    return offsetX == o.offsetX && offsetY == o.offsetY && sizeX == o.sizeX && sizeY == o.sizeY && xUnit == o.xUnit
+        && yUnit == o.yUnit && zUnit == o.zUnit && xUnitPerPixel == o.xUnitPerPixel && yUnitPerPixel == o.yUnitPerPixel;
+}
+
+QSciImage::QSciImage(QObject* parent)
+    : QSciImage(100, 100, QColor(Qt::white), parent)
+{
+}
+
+QSciImage::QSciImage(int width, int height, const QColor& background, QObject* parent)
+    : QObject(parent)
+    , m_displayElements(defaultDisplayElementMap())
+    , m_creationTime(QDateTime::currentDateTime())
+{
+    // For queued connections and signal spies.
+    static const int partsType = qRegisterMetaType<QSciImage::Parts>("QSciImage::Parts");
+    Q_UNUSED(partsType)
+    resetMatrices(qMax(1, width), qMax(1, height), background);
+    m_sciValues.sizeX = m_width;
+    m_sciValues.sizeY = m_height;
+}
+
+QSciImage::~QSciImage() = default;
+
+void QSciImage::resetMatrices(int width, int height, const QColor& background)
+{
+    m_width = width;
+    m_height = height;
+    m_picture = QImage(width, height, QImage::Format_ARGB32);
+    m_picture.fill(background);
+    m_z = QVector<double>(int(qsizetype(width) * height), 0.0);
+    m_mask = QVector<uchar>(m_z.size(), uchar(0));
+}
+
+void QSciImage::copyFrom(const QSciImage& other)
+{
+    if (&other == this)
+        return;
+    // The matrices are shared until either side writes to them, which detaches that side only.
+    m_width = other.m_width;
+    m_height = other.m_height;
+    m_left = other.m_left;
+    m_top = other.m_top;
+    m_picture = other.m_picture;
+    m_z = other.m_z;
+    m_mask = other.m_mask;
+    m_objects = other.m_objects;
+    m_sciValues = other.m_sciValues;
+    m_zCalibrateMultiply = other.m_zCalibrateMultiply;
+    m_zCalibrateAdd = other.m_zCalibrateAdd;
+    m_instrumentHeader = other.m_instrumentHeader;
+    m_textLines = other.m_textLines;
+    m_displayElements = other.m_displayElements;
+    m_name = other.m_name;
+    m_tabText = other.m_tabText;
+    m_zPos = other.m_zPos;
+    m_selected = other.m_selected;
+    m_visible = other.m_visible;
+    m_abstract = other.m_abstract;
+    m_creationTime = other.m_creationTime;
+    m_drawImage = other.m_drawImage;
+    m_drawMask = other.m_drawMask;
+    m_drawObjects = other.m_drawObjects;
+    m_drawZ = other.m_drawZ;
+    m_opacity = other.m_opacity;
+    m_gradient = other.m_gradient;
+    m_fileName = other.m_fileName;
+    m_saved = other.m_saved;
+    m_editMode = other.m_editMode;
+    notifyChanged(AllParts | PositionPart | DisplayPart | HeaderPart);
+    if (!m_loading)
+        emit placeChanged();
+}
+
+QSciImage* QSciImage::duplicate() const
+{
+    auto* copy = new QSciImage(1, 1, QColor(Qt::white));
+    copy->copyFrom(*this);
+    copy->m_creationTime = QDateTime::currentDateTime();
+    return copy;
+}
+
+void QSciImage::setPosition(int left, int top)
+{
+    if (left == m_left && top == m_top)
+        return;
+    m_left = left;
+    m_top = top;
+    if (!m_loading)
+        emit placeChanged();
+}
+
+// ---- z-matrix ------------------------------------------------------------------------------------------
+
+void QSciImage::setZ(int x, int y, double value)
+{
+    m_z[int(qsizetype(x) * m_height + y)] = value;
+}
+
+bool QSciImage::setZMatrix(const QVector<double>& z)
+{
+    if (qsizetype(z.size()) != qsizetype(m_width) * m_height)
+        return false;
+    m_z = z;
+    notifyChanged(ZPart);
+    return true;
+}
+
+double QSciImage::zMin() const
+{
+    double low, high;
+    zRange(&low, &high);
+    return low;
+}
+
+double QSciImage::zMax() const
+{
+    double low, high;
+    zRange(&low, &high);
+    return high;
+}
+
+void QSciImage::zRange(double* zMin, double* zMax) const
+{
+    constexpr qsizetype Chunk = qsizetype(1) << 18;
+    const qsizetype n = m_z.size();
+    const double* z = m_z.constData();
+    const int chunks = int((n + Chunk - 1) / Chunk);
+    QVector<double> lows(chunks), highs(chunks);
+    double* lowOut = lows.data();
+    double* highOut = highs.data();
+    forEachBand(chunks, n, [&](int c) {
+        // Four lanes for instruction-level parallelism; a NaN never wins a comparison and so is skipped.
+        constexpr double inf = std::numeric_limits<double>::infinity();
+        double lo[4] = { inf, inf, inf, inf };
+        double hi[4] = { -inf, -inf, -inf, -inf };
+        const qsizetype begin = c * Chunk;
+        const qsizetype end = qMin(n, begin + Chunk);
+        qsizetype i = begin;
+        for (; i + 4 <= end; i += 4) {
+            for (int k = 0; k < 4; ++k) {
+                const double v = z[i + k];
+                lo[k] = v < lo[k] ? v : lo[k];
+                hi[k] = v > hi[k] ? v : hi[k];
+            }
+        }
+        for (; i < end; ++i) {
+            lo[0] = z[i] < lo[0] ? z[i] : lo[0];
+            hi[0] = z[i] > hi[0] ? z[i] : hi[0];
+        }
+        lowOut[c] = std::min({ lo[0], lo[1], lo[2], lo[3] });
+        highOut[c] = std::max({ hi[0], hi[1], hi[2], hi[3] });
+    });
+    double low = std::numeric_limits<double>::infinity();
+    double high = -low;
+    for (int c = 0; c < chunks; ++c) {
+        low = std::min(low, lowOut[c]);
+        high = std::max(high, highOut[c]);
+    }
+    if (low > high) // no number at all
+        low = high = std::numeric_limits<double>::quiet_NaN();
+    *zMin = low;
+    *zMax = high;
+}
+
+// ---- picture ---------------------------------------------------------------------------------------------
+
+bool QSciImage::setPicture(const QImage& picture)
+{
+    if (picture.width() != m_width || picture.height() != m_height)
+        return false;
+    m_picture = picture.format() == QImage::Format_ARGB32 ? picture : picture.convertToFormat(QImage::Format_ARGB32);
+    notifyChanged(PicturePart);
+    return true;
+}
+
+QRgb QSciImage::pixel(int x, int y) const
+{
+    return reinterpret_cast<const QRgb*>(m_picture.constScanLine(m_height - 1 - y))[x];
+}
+
+void QSciImage::setPixel(int x, int y, QRgb color)
+{
+    reinterpret_cast<QRgb*>(m_picture.scanLine(m_height - 1 - y))[x] = color;
+}
+
+// ---- mask ------------------------------------------------------------------------------------------------
+
+void QSciImage::setPixelSelected(int x, int y, bool selected)
+{
+    m_mask[int(qsizetype(x) * m_height + y)] = selected ? 1 : 0;
+}
+
+bool QSciImage::setMask(const QVector<uchar>& mask)
+{
+    if (qsizetype(mask.size()) != qsizetype(m_width) * m_height)
+        return false;
+    m_mask = mask;
+    if (std::any_of(mask.cbegin(), mask.cend(), [](uchar b) { return b > 1; })) {
+        for (uchar& b : m_mask)
+            b = b ? 1 : 0;
+    }
+    notifyChanged(MaskPart);
+    return true;
+}
+
+QRect QSciImage::maskBorderRect() const
+{
+    int minX = m_width, maxX = -1, minY = m_height, maxY = -1;
+    const uchar* mask = m_mask.constData();
+    for (int x = 0; x < m_width; ++x) {
+        const uchar* column = mask + qsizetype(x) * m_height;
+        const uchar* first = std::find(column, column + m_height, uchar(1));
+        if (first == column + m_height)
+            continue;
+        const int last
+            = int(std::find(std::make_reverse_iterator(column + m_height), std::make_reverse_iterator(column), uchar(1))
+                      .base()
+                  - column)
+            - 1;
+        minX = qMin(minX, x);
+        maxX = x;
+        minY = qMin(minY, int(first - column));
+        maxY = qMax(maxY, last);
+    }
+    if (maxX < 0)
+        return QRect();
+    return QRect(minX, m_height - 1 - maxY, maxX - minX + 1, maxY - minY + 1);
+}
+
+qsizetype QSciImage::maskSelectedCount() const
+{
+    return std::count(m_mask.cbegin(), m_mask.cend(), uchar(1));
+}
+
+void QSciImage::selectAllMask()
+{
+    m_mask.fill(1);
+    notifyChanged(MaskPart);
+}
+
+void QSciImage::clearMask()
+{
+    m_mask.fill(0);
+    notifyChanged(MaskPart);
+}
+
+void QSciImage::invertMask()
+{
+    for (uchar& b : m_mask)
+        b ^= 1;
+    notifyChanged(MaskPart);
+}
+
+bool QSciImage::setContent(const QImage& picture, const QVector<double>& z, const QVector<uchar>& mask)
+{
+    const qsizetype points = qsizetype(picture.width()) * picture.height();
+    if (picture.isNull() || qsizetype(z.size()) != points || qsizetype(mask.size()) != points)
+        return false;
+    m_width = picture.width();
+    m_height = picture.height();
+    m_picture = picture.format() == QImage::Format_ARGB32 ? picture : picture.convertToFormat(QImage::Format_ARGB32);
+    m_z = z;
+    m_mask = mask;
+    if (std::any_of(mask.cbegin(), mask.cend(), [](uchar b) { return b > 1; })) {
+        for (uchar& b : m_mask)
+            b = b ? 1 : 0;
+    }
+    notifyChanged(PicturePart | ZPart | MaskPart);
+    return true;
+}
+
+// ---- objects and header ------------------------------------------------------------------------------------
+
+void QSciImage::setObjects(const QList<QSciSingleObject>& objects)
+{
+    m_objects = objects;
+    notifyChanged(ObjectsPart);
+}
+
+void QSciImage::clearObjects()
+{
+    m_objects.clear();
+    notifyChanged(ObjectsPart);
+}
+
+void QSciImage::setSciValues(const SciValues& values)
+{
+    m_sciValues = values;
+    notifyChanged(HeaderPart);
+}
+
+void QSciImage::setZCalibration(double multiply, double add)
+{
+    m_zCalibrateMultiply = multiply;
+    m_zCalibrateAdd = add;
+    notifyChanged(HeaderPart);
+}
+
+void QSciImage::setInstrumentHeader(const QList<QPair<QString, QString>>& header)
+{
+    m_instrumentHeader = header;
+    notifyChanged(HeaderPart);
+}
+
+void QSciImage::setTextLines(const QStringList& lines)
+{
+    m_textLines = lines;
+    notifyChanged(HeaderPart);
+}
+
+void QSciImage::setDisplayElements(const QMap<QString, QString>& elements)
+{
+    m_displayElements = elements;
+    notifyChanged(DisplayPart);
+}
+
+const QList<QPair<QString, QString>>& QSciImage::displayElementDefaults()
+{
+    static const QList<QPair<QString, QString>> defaults = [] {
+        const char* const table[][2] = {
+            { "displayFontClassName", "Arial" },
+            { "displayFontColor", "0;0;0;255" },
+            { "displayLineColor", "0;0;0;255" },
+            { "displayRulerBackgroundPanelColor", "255;255;255;192" },
+            { "displayRulerColor", "0;0;0;255" },
+            { "displayRulerHeightInPix", "6" },
+            { "displayRulerLabelBold", "0" },
+            { "displayRulerLabelSize", "12" },
+            { "displayRulerMarginInPix", "10" },
+            { "displayRulerNaturalUnits", "1" },
+            { "displayRulerPosition", "0" },
+            { "displayRulerShowUnit", "1" },
+            { "displayRulerWidthInPix", "100" },
+            { "displayRulerSizeManual", "0" },
+            { "displayTitleBold", "1" },
+            { "displayTitleSize", "14" },
+            { "displayVERTRulerPosition", "0" },
+            { "displayXYLabelBold", "0" },
+            { "displayXYLabelSize", "10" },
+            { "displayXYNaturalUnits", "1" },
+            { "displayZLabelBold", "0" },
+            { "displayZLabelSize", "10" },
+            { "displayZLabelWithUnit", "1" },
+            { "displayZScaleBorder", "1" },
+            { "displayZScaleBorderColor", "0;0;0;255" },
+            { "displayZScaleLeftMargin", "10" },
+            { "displayZScaleWidth", "20" },
+            { "showHorizontalRuler", "0" },
+            { "showHorizontalRulerLabel", "1" },
+            { "showHorizontalRulerPanel", "1" },
+            { "showTitle", "0" },
+            { "showVerticalRuler", "0" },
+            { "showVerticalRulerLabel", "1" },
+            { "showVerticalRulerPanel", "1" },
+            { "showXLabels", "0" },
+            { "showXPosLabel", "0" },
+            { "showYLabels", "0" },
+            { "showYPosLabel", "0" },
+            { "showZLabels", "0" },
+            { "showZPosLabel", "0" },
+            { "showZScale", "0" },
+            { "showZScaleSubticks", "1" },
+            { "showZScaleTicks", "1" },
+        };
+        QList<QPair<QString, QString>> list;
+        for (const auto& row : table)
+            list.append({ QString::fromLatin1(row[0]), QString::fromLatin1(row[1]) });
+        return list;
+    }();
+    return defaults;
+}
+
+// ---- identity and display ------------------------------------------------------------------------------------
+
+void QSciImage::setName(const QString& name)
+{
+    m_name = name;
+    notifyChanged(HeaderPart);
+}
+
+void QSciImage::setSelected(bool selected)
+{
+    if (selected == m_selected)
+        return;
+    m_selected = selected;
+    if (!m_loading)
+        emit placeChanged();
+}
+
+void QSciImage::setVisible(bool visible)
+{
+    if (visible == m_visible)
+        return;
+    m_visible = visible;
+    if (!m_loading)
+        emit placeChanged();
+}
+
+void QSciImage::setDrawSwitches(bool image, bool mask, bool objects, bool z)
+{
+    m_drawImage = image;
+    m_drawMask = mask;
+    m_drawObjects = objects;
+    m_drawZ = z;
+    notifyChanged(DisplayPart);
+}
+
+void QSciImage::setOpacity(double opacity)
+{
+    m_opacity = opacity;
+    notifyChanged(DisplayPart);
+}
+
+void QSciImage::setColorGradient(const ColorGradient& gradient)
+{
+    m_gradient = gradient;
+    notifyChanged(DisplayPart);
+}
+
+// ---- operations ------------------------------------------------------------------------------------------------
+
+void QSciImage::mapZToPicture()
+{
+    double low, high;
+    zRange(&low, &high);
+    // The lookup of ColorGradient::colorAt, inlined: the same range rule, the same expression and rounding.
+    double range = high - low;
+    if (range < 1e-200 && range > -1e-200)
+        range = range < 0 ? -1e-200 : 1e-200;
+    constexpr int top = ColorGradient::RampSize - 1;
+    const QRgb* ramp = m_gradient.rampData();
+    if (m_picture.format() != QImage::Format_ARGB32)
+        m_picture = m_picture.convertToFormat(QImage::Format_ARGB32);
+    uchar* bits = m_picture.bits();
+    const qsizetype bpl = m_picture.bytesPerLine();
+    const double* z = m_z.constData();
+    const int w = m_width, h = m_height;
+    forEachBand((w + Tile - 1) / Tile, qsizetype(w) * h, [&](int band) {
+        const int x0 = band * Tile;
+        const int x1 = qMin(w, x0 + Tile);
+        for (int y0 = 0; y0 < h; y0 += Tile) {
+            const int y1 = qMin(h, y0 + Tile);
+            for (int x = x0; x < x1; ++x) {
+                const double* column = z + qsizetype(x) * h;
+                uchar* line = bits + (h - 1 - y0) * bpl + qsizetype(x) * 4;
+                for (int y = y0; y < y1; ++y, line -= bpl) {
+                    const double t = (column[y] - low) / range * ColorGradient::RampSize;
+                    const int index = t > 0 ? (t < top ? int(t) : top) : 0;
+                    *reinterpret_cast<QRgb*>(line) = ramp[index];
+                }
+            }
+        }
+    });
+    notifyChanged(PicturePart);
+}
+
+void QSciImage::mapPictureToZ()
+{
+    // The grey level is the sum of three channels, so 766 values cover every colour.
+    double levels[766];
+    for (int sum = 0; sum < 766; ++sum)
+        levels[sum]
+            = ColorGradient::zFromColor(qRgb(qMin(sum, 255), qBound(0, sum - 255, 255), qMax(0, sum - 510)), 0, 1);
+    const uchar* bits = m_picture.constBits();
+    const qsizetype bpl = m_picture.bytesPerLine();
+    double* z = m_z.data();
+    const int w = m_width, h = m_height;
+    forEachBand((w + Tile - 1) / Tile, qsizetype(w) * h, [&](int band) {
+        const int x1 = qMin(w, (band + 1) * Tile);
+        for (int y0 = 0; y0 < h; y0 += Tile) {
+            const int y1 = qMin(h, y0 + Tile);
+            for (int x = band * Tile; x < x1; ++x) {
+                double* column = z + qsizetype(x) * h;
+                for (int y = y0; y < y1; ++y) {
+                    const QRgb c = *pixelAt(bits, bpl, x, h - 1 - y);
+                    column[y] = levels[qRed(c) + qGreen(c) + qBlue(c)];
+                }
+            }
+        }
+    });
+    notifyChanged(ZPart);
+}
+
+void QSciImage::recalibrateZ(double multiply, double add)
+{
+    constexpr qsizetype Chunk = qsizetype(1) << 18;
+    const qsizetype n = m_z.size();
+    double* z = m_z.data();
+    forEachBand(int((n + Chunk - 1) / Chunk), n, [&](int c) {
+        const qsizetype end = qMin(n, (c + 1) * Chunk);
+        for (qsizetype i = c * Chunk; i < end; ++i)
+            z[i] = z[i] * multiply + add;
+    });
+    m_zCalibrateMultiply = multiply;
+    m_zCalibrateAdd = add;
+    notifyChanged(ZPart | HeaderPart);
+}
+
+void QSciImage::flipHorizontal()
+{
+    const int w = m_width;
+    Matrices m = transformed(
+        w, m_height, w, m_height, m_picture, m_z, m_mask, [w](int x, int y) { return QPoint(w - 1 - x, y); });
+    m_picture = m.picture;
+    m_z = m.z;
+    m_mask = m.mask;
+    m_objects.clear();
+    notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart);
+}
+
+void QSciImage::flipVertical()
+{
+    const int h = m_height;
+    Matrices m = transformed(
+        m_width, h, m_width, h, m_picture, m_z, m_mask, [h](int x, int y) { return QPoint(x, h - 1 - y); });
+    m_picture = m.picture;
+    m_z = m.z;
+    m_mask = m.mask;
+    m_objects.clear();
+    notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart);
+}
+
+void QSciImage::rotate(int degrees)
+{
+    const int w = m_width, h = m_height;
+    Matrices m;
+    if (degrees == 90) {
+        // Clockwise: display column c, row r goes to column H-1-r, row c.
+        m = transformed(w, h, h, w, m_picture, m_z, m_mask, [w](int x, int y) { return QPoint(y, w - 1 - x); });
+    } else if (degrees == -90) {
+        m = transformed(w, h, h, w, m_picture, m_z, m_mask, [h](int x, int y) { return QPoint(h - 1 - y, x); });
+    } else if (degrees == 180) {
+        m = transformed(
+            w, h, w, h, m_picture, m_z, m_mask, [w, h](int x, int y) { return QPoint(w - 1 - x, h - 1 - y); });
+    } else {
+        return;
+    }
+    if (degrees != 180) {
+        std::swap(m_width, m_height);
+        std::swap(m_sciValues.sizeX, m_sciValues.sizeY);
+        std::swap(m_sciValues.xUnitPerPixel, m_sciValues.yUnitPerPixel);
+        std::swap(m_sciValues.xUnit, m_sciValues.yUnit);
+    }
+    m_picture = m.picture;
+    m_z = m.z;
+    m_mask = m.mask;
+    m_objects.clear();
+    notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart | HeaderPart);
+}
+
+void QSciImage::resizeToRect(const QRect& rect, double zFill, QRgb pictureFill)
+{
+    if (rect.width() <= 0 || rect.height() <= 0)
+        return;
+    const int w = m_width, h = m_height;
+    const int nw = rect.width(), nh = rect.height();
+    Matrices out;
+    out.picture = QImage(nw, nh, QImage::Format_ARGB32);
+    out.picture.fill(pictureFill);
+    out.z = QVector<double>(int(qsizetype(nw) * nh), zFill);
+    out.mask = QVector<uchar>(out.z.size(), uchar(0));
+
+    // The overlap in old display coordinates (row 0 on top).
+    const QRect overlap = rect.intersected(QRect(0, 0, w, h));
+    if (!overlap.isEmpty()) {
+        const int rows = overlap.height();
+        const int oldBottomY = h - 1 - overlap.bottom(); // y of the overlap's lowest row, rows from the bottom
+        const int newBottomY = nh - 1 - (overlap.bottom() - rect.top());
+        for (int x = overlap.left(); x <= overlap.right(); ++x) {
+            const qsizetype from = qsizetype(x) * h + oldBottomY;
+            const qsizetype to = qsizetype(x - rect.left()) * nh + newBottomY;
+            std::memcpy(out.z.data() + to, m_z.constData() + from, size_t(rows) * sizeof(double));
+            std::memcpy(out.mask.data() + to, m_mask.constData() + from, size_t(rows));
+        }
+        for (int r = overlap.top(); r <= overlap.bottom(); ++r) {
+            std::memcpy(out.picture.scanLine(r - rect.top()) + qsizetype(overlap.left() - rect.left()) * 4,
+                m_picture.constScanLine(r) + qsizetype(overlap.left()) * 4, size_t(overlap.width()) * 4);
+        }
+    }
+    m_sciValues.sizeX = m_sciValues.sizeX / w * nw;
+    m_sciValues.sizeY = m_sciValues.sizeY / h * nh;
+    m_width = nw;
+    m_height = nh;
+    m_picture = out.picture;
+    m_z = out.z;
+    m_mask = out.mask;
+    m_objects.clear();
+    setPosition(m_left + rect.left(), m_top + rect.top());
+    notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart | HeaderPart);
+}
+
+void QSciImage::cutToMaskBorderRect()
+{
+    const QRect rect = maskBorderRect();
+    if (!rect.isEmpty())
+        resizeToRect(rect, 0);
+}
+
+void QSciImage::clearPicture()
+{
+    m_picture.fill(Qt::white);
+    notifyChanged(PicturePart);
+}
+
+void QSciImage::notifyChanged(Parts parts)
+{
+    if (!m_loading)
+        emit contentChanged(parts);
+}

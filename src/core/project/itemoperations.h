@@ -1,0 +1,58 @@
+#pragma once
+
+#include "core/items/qsciimage.h"
+
+#include <QList>
+#include <QString>
+#include <functional>
+
+class ColorGradient;
+class Project;
+class ProgressSink;
+
+/**
+ * The operations of the item context menu on a list of items (in list order). Each runs as one history
+ * transaction named by its menu text, records exactly the parts it changes, then changes them. The window,
+ * velmora-cli and scripts all call these.
+ */
+class ItemOperations final {
+public:
+    static void mapZToPicture(Project& project, const QList<QSciImage*>& items, ProgressSink* progress = nullptr);
+    static void mapPictureToZ(Project& project, const QList<QSciImage*>& items);
+    static void recalibrateZ(Project& project, const QList<QSciImage*>& items, double multiply, double add);
+    static void flipHorizontal(Project& project, const QList<QSciImage*>& items);
+    static void flipVertical(Project& project, const QList<QSciImage*>& items);
+    /** +90 (clockwise), -90 or 180. */
+    static void rotate(Project& project, const QList<QSciImage*>& items, int degrees);
+    static void cutToMaskBorder(Project& project, const QList<QSciImage*>& items);
+    static void clearPicture(Project& project, const QList<QSciImage*>& items);
+    static void clearObjects(Project& project, const QList<QSciImage*>& items);
+    static void clearMask(Project& project, const QList<QSciImage*>& items);
+    static void selectAllMask(Project& project, const QList<QSciImage*>& items);
+    static void invertMask(Project& project, const QList<QSciImage*>& items);
+    static void setColorGradient(Project& project, const QList<QSciImage*>& items, const ColorGradient& gradient);
+
+    /**
+     * Cuts every item to the common area of all. Fewer than two items: nothing. Items without a common
+     * area are left alone and false is returned with a message.
+     */
+    [[nodiscard]] static bool cutToOverlap(
+        Project& project, const QList<QSciImage*>& items, ProgressSink* progress = nullptr, QString* message = nullptr);
+    /** Grows every item to the union of all; new points get the item's own min (or max) z. */
+    static void expandToBorder(
+        Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress = nullptr);
+    /**
+     * A new item covering the union of all, placed at the union's top-left on the first item's tab.
+     * Where items overlap, the one higher in the stacking order wins (as the tab shows it); uncovered
+     * points get the minimum (or maximum) z over all items and a transparent picture. Header and gradient
+     * come from the first item; masks are merged, objects are not carried over. Returns the new item.
+     */
+    static QSciImage* merge(
+        Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress = nullptr);
+    /** Copies of the items, each on its source's tab just above it; the copies become the selection. */
+    static QList<QSciImage*> duplicate(Project& project, const QList<QSciImage*>& items);
+
+    /** Runs @p change on each item inside one transaction named @p name, recording @p parts first. */
+    static void apply(Project& project, const QList<QSciImage*>& items, const QString& name, QSciImage::Parts parts,
+        const std::function<void(QSciImage&)>& change);
+};

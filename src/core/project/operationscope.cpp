@@ -1,0 +1,65 @@
+#include "operationscope.h"
+
+#include "collectiontab.h"
+#include "project.h"
+
+#include "core/history/qscihistorymanager.h"
+
+OperationScope::OperationScope(Project* project, CollectionTab* tab, const QString& name)
+    : m_project(project)
+    , m_tab(tab)
+    , m_name(name)
+{
+    // Inside a running transaction (a script run, a tool's drag) the operation joins it.
+    QSciHistoryManager* history = QSciHistoryManager::instance();
+    if (history->isEnabled() && !history->inTransaction()) {
+        history->beginTransaction(name, project, tab);
+        m_owns = history->inTransaction();
+    }
+}
+
+OperationScope::~OperationScope()
+{
+    if (m_open)
+        cancel();
+}
+
+void OperationScope::record(QSciImage* item, QSciImage::Parts parts)
+{
+    QSciHistoryManager::instance()->saveItem(item, parts);
+}
+
+void OperationScope::recordCreated(QSciImage* item)
+{
+    QSciHistoryManager::instance()->recordCreated(item);
+}
+
+void OperationScope::recordRemoval(QSciImage* item)
+{
+    QSciHistoryManager::instance()->recordRemoval(item);
+}
+
+void OperationScope::recordOrder(CollectionTab* tab)
+{
+    QSciHistoryManager::instance()->recordOrder(tab);
+}
+
+void OperationScope::commit()
+{
+    if (!m_open)
+        return;
+    m_open = false;
+    if (m_owns)
+        QSciHistoryManager::instance()->commitTransaction();
+    if (m_project)
+        m_project->setModified(true);
+}
+
+void OperationScope::cancel()
+{
+    if (!m_open)
+        return;
+    m_open = false;
+    if (m_owns)
+        QSciHistoryManager::instance()->cancelTransaction();
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "core/items/qsciimage.h"
+
+#include <QString>
+
+class CollectionTab;
+class Project;
+
+/**
+ * One user-visible change to items: the single place where operations record what they are about to
+ * change, so undo can bring it back. Record an item's parts BEFORE changing them. A scope that is
+ * destroyed without commit() is cancelled.
+ */
+class OperationScope final {
+public:
+    OperationScope(Project* project, CollectionTab* tab, const QString& name);
+    ~OperationScope();
+    OperationScope(const OperationScope&) = delete;
+    OperationScope& operator=(const OperationScope&) = delete;
+
+    QString name() const { return m_name; }
+    /** Saves @p parts of @p item as they are now. */
+    void record(QSciImage* item, QSciImage::Parts parts);
+    /** @p item was just made by the operation; undo removes it again. */
+    void recordCreated(QSciImage* item);
+    /** @p item is about to leave its tab (deleted or moved); undo puts it back in its place. */
+    void recordRemoval(QSciImage* item);
+    /** The stacking order of @p tab is about to change. */
+    void recordOrder(CollectionTab* tab);
+    void commit();
+    void cancel();
+
+private:
+    Project* m_project;
+    CollectionTab* m_tab;
+    QString m_name;
+    bool m_open = true;
+    bool m_owns = false;
+};

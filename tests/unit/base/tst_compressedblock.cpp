@@ -1,0 +1,156 @@
+#include "core/base/compressedblock.h"
+
+#include <QMutex>
+#include <QRandomGenerator>
+#include <QtTest>
+
+namespace {
+
+QByteArray payload(qsizetype size, bool compressible, quint32 seed = 7)
+{
+    QByteArray data(int(size), Qt::Uninitialized);
+    QRandomGenerator random(seed);
+    for (qsizetype i = 0; i < size; ++i)
+        data[int(i)] = compressible ? char((i / 7) % 13) : char(random.generate());
+    return data;
+}
+
+QByteArray inflate(const QByteArray& block)
+{
+    const qint64 stated = CompressedBlock::statedSize(block.constData(), block.size());
+    QByteArray out(int(qMax<qint64>(stated, 0)), Qt::Uninitialized);
+    if (stated < 0 || !CompressedBlock::uncompress(block.constData(), block.size(), out.data(), out.size()))
+        return QByteArray("failed");
+    return out;
+}
+
+} // namespace
+
+class TestCompressedBlock : public QObject {
+    Q_OBJECT
+
+private slots:
+    void roundTripsAndStaysOneZlibStream_data()
+    {
+        QTest::addColumn<qsizetype>("size");
+        QTest::addColumn<int>("level");
+        QTest::addColumn<bool>("compressible");
+        const qsizetype piece = CompressedBlock::PieceSize;
+        QTest::newRow("empty") << qsizetype(0) << 6 << true;
+        QTest::newRow("one byte") << qsizetype(1) << 6 << false;
+        QTest::newRow("just below a piece") << piece - 1 << 3 << false;
+        QTest::newRow("one piece") << piece << 6 << true;
+        QTest::newRow("one piece and a byte") << piece + 1 << 2 << false;
+        QTest::newRow("several pieces, level 6") << piece * 3 + piece / 2 << 6 << true;
+        QTest::newRow("several pieces, random data") << piece * 3 + 5 << 3 << false;
+    }
+
+    void roundTripsAndStaysOneZlibStream()
+    {
+        QFETCH(qsizetype, size);
+        QFETCH(int, level);
+        QFETCH(bool, compressible);
+        const QByteArray data = payload(size, compressible);
+        const CompressedBlock block = CompressedBlock::compress(data, level);
+        const QByteArray bytes = block.toByteArray();
+        QCOMPARE(qsizetype(bytes.size()), block.size());
+        QCOMPARE(CompressedBlock::statedSize(bytes.constData(), bytes.size()), qint64(size));
+        // Any zlib reader must read it, not only ours.
+        QCOMPARE(qUncompress(bytes), data);
+        QCOMPARE(inflate(bytes), data);
+    }
+
+    void readsPlainQCompressStreams()
+    {
+        const QByteArray data = payload(CompressedBlock::PieceSize * 2 + 17, true);
+        QCOMPARE(inflate(qCompress(data, 6)), data);
+    }
+
+    void coincidentalFlushPatternsFallBackToOneStream()
+    {
+        // Stored blocks carry the data as it is, so it can hold the bytes a flush ends with anywhere.
+        QByteArray data;
+        while (data.size() < CompressedBlock::PieceSize * 2 + 100)
+            data += QByteArray::fromHex("0000ffff") + payload(9, false, quint32(data.size()));
+        for (int level : { 0, 6 }) {
+            const QByteArray bytes = CompressedBlock::compress(data, level).toByteArray();
+            QCOMPARE(inflate(bytes), data);
+            QCOMPARE(inflate(qCompress(data, level)), data);
+        }
+    }
+
+    void brokenStreamsFail_data()
+    {
+        QTest::addColumn<QByteArray>("block");
+        QTest::addColumn<qsizetype>("destinationSize");
+        const QByteArray good
+            = CompressedBlock::compress(payload(CompressedBlock::PieceSize * 2 + 3, true), 6).toByteArray();
+        const qsizetype size = CompressedBlock::PieceSize * 2 + 3;
+        QByteArray flipped = good;
+        flipped[good.size() / 2] = char(flipped.at(good.size() / 2) ^ 0x5A);
+        QByteArray badAdler = good;
+        badAdler[good.size() - 1] = char(badAdler.at(good.size() - 1) ^ 1);
+        QByteArray badHeader = good;
+        badHeader[4] = 0x79;
+        QTest::newRow("flipped byte") << flipped << size;
+        QTest::newRow("wrong Adler-32") << badAdler << size;
+        QTest::newRow("truncated") << good.left(good.size() - 9) << size;
+        QTest::newRow("not zlib") << badHeader << size;
+        QTest::newRow("destination too small") << good << size - 1;
+        QTest::newRow("destination too large") << good << size + 1;
+        QTest::newRow("prefix only") << good.left(3) << qsizetype(0);
+    }
+
+    void brokenStreamsFail()
+    {
+        QFETCH(QByteArray, block);
+        QFETCH(qsizetype, destinationSize);
+        QByteArray out(int(destinationSize), Qt::Uninitialized);
+        QVERIFY(!CompressedBlock::uncompress(block.constData(), block.size(), out.data(), destinationSize));
+    }
+
+    void refusesStatedSizesTheDataCannotHold()
+    {
+        QByteArray forged = qCompress(QByteArray("abc"));
+        forged[0] = char(0x7F); // states about 2 GB for a dozen bytes
+        QByteArray out;
+        QString message;
+        QVERIFY(!CompressedBlock::uncompress(forged, &out, qint64(1) << 40, &message));
+        QVERIFY(message.contains(QLatin1String("more than")));
+        QVERIFY(out.isEmpty());
+        QVERIFY(!CompressedBlock::uncompress(qCompress(payload(5000, true)), &out, 4999, &message));
+        QVERIFY(CompressedBlock::uncompress(qCompress(payload(5000, true)), &out, 5000, &message));
+        QCOMPARE(out, payload(5000, true));
+    }
+
+    void blocksInflateTogetherAndTellTheirSinks()
+    {
+        const QByteArray a = payload(CompressedBlock::PieceSize * 3, true, 1);
+        const QByteArray b = payload(1000, false, 2);
+        const QByteArray blockA = CompressedBlock::compress(a, 6).toByteArray();
+        const QByteArray blockB = qCompress(b);
+        QByteArray outA(a.size(), Qt::Uninitialized), outB(b.size(), Qt::Uninitialized), outC = outB;
+        QMutex mutex;
+        qsizetype told = 0;
+        bool inside = true;
+        QVector<CompressedBlock::Inflation> jobs(3);
+        jobs[0]
+            = { blockA.constData(), blockA.size(), outA.data(), outA.size(), [&](qsizetype offset, qsizetype length) {
+                   QMutexLocker lock(&mutex);
+                   inside = inside && offset >= 0 && offset + length <= outA.size();
+                   told += length;
+               } };
+        jobs[1] = { blockB.constData(), blockB.size(), outB.data(), outB.size(), {} };
+        jobs[2] = { blockB.constData(), blockB.size() - 1, outC.data(), outC.size(), {} };
+        CompressedBlock::uncompressAll(jobs);
+        QVERIFY(jobs.at(0).ok);
+        QVERIFY(jobs.at(1).ok);
+        QVERIFY(!jobs.at(2).ok);
+        QCOMPARE(outA, a);
+        QVERIFY(inside);
+        QCOMPARE(told, qsizetype(a.size()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCompressedBlock)
+#include "tst_compressedblock.moc"
