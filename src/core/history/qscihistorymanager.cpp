@@ -27,6 +27,12 @@ QSciHistoryManager::~QSciHistoryManager()
     forget();
 }
 
+quint64 QSciHistoryManager::currentSize() const
+{
+    QSciHistoryToken::settleAll();
+    return m_currentSize;
+}
+
 void QSciHistoryManager::reloadSettings()
 {
     m_maximumSize = quint64(qMax(0, Options::getInt(QStringLiteral("history.maxHistoryMB"), 1024))) << 20;
@@ -137,6 +143,7 @@ void QSciHistoryManager::destroyTransactions(QList<QSciHistoryTransaction*>& lis
 
 void QSciHistoryManager::sizeCheck()
 {
+    QSciHistoryToken::settleAll();
     HistoryLog::line(QStringLiteral("Current size is %1kiB, maximum allowed is %2 kiB.")
                          .arg(m_currentSize >> 10)
                          .arg(m_maximumSize >> 10));

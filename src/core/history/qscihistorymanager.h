@@ -24,7 +24,8 @@ public:
 
     bool isEnabled() const { return m_enabled; }
     void setEnabled(bool enabled);
-    quint64 currentSize() const { return m_currentSize; }
+    /** Bytes of all history files, background saves included. */
+    quint64 currentSize() const;
     quint64 maximumSize() const { return m_maximumSize; }
     void setMaximumSize(quint64 bytes) { m_maximumSize = bytes; }
     QString directory() const { return m_directory; }

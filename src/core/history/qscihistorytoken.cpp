@@ -6,6 +6,28 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QSet>
+#include <QThreadPool>
+#include <QtConcurrent>
+#include <memory>
+
+namespace {
+
+/** One writer thread of its own: background saves never take the threads that compress their blocks. */
+QThreadPool* writerPool()
+{
+    static QThreadPool pool;
+    pool.setMaxThreadCount(1);
+    return &pool;
+}
+
+QSet<QSciHistoryToken*>& pendingTokens()
+{
+    static QSet<QSciHistoryToken*> set;
+    return set;
+}
+
+} // namespace
 
 QSciHistoryToken::QSciHistoryToken(
     quint32 tag, int mode, QSciImage* item, QSciImage::Parts parts, const QString& directory, quint64* heldBytes)
@@ -23,6 +45,7 @@ QSciHistoryToken::QSciHistoryToken(
 
 QSciHistoryToken::~QSciHistoryToken()
 {
+    settle();
     HistoryLog::line(QStringLiteral("Destroy %1 delete data files for %2").arg(m_tag).arg(m_itemText));
     dropFile();
 }
@@ -55,6 +78,7 @@ bool QSciHistoryToken::write(const QString& file)
 
 bool QSciHistoryToken::save(quint32 newTag)
 {
+    settle();
     if (!m_item)
         return false;
     dropFile();
@@ -70,35 +94,58 @@ bool QSciHistoryToken::save(quint32 newTag)
 
 bool QSciHistoryToken::swap(quint32 newTag)
 {
+    settle();
     if (!m_item || m_file.isEmpty())
         return false;
-    const QString oldFile = m_file;
-    const quint64 oldSize = m_size;
-    const QPoint oldPosition = m_position;
-    const bool oldVisible = m_visible, oldSelected = m_selected;
-    const QString newFile = fileFor(newTag);
-    if (!write(newFile))
-        return false;
-    const QPoint newPosition = m_position;
-    const bool newVisible = m_visible, newSelected = m_selected;
-    m_position = oldPosition;
-    m_visible = oldVisible;
-    m_selected = oldSelected;
+    // The copy shares the item's matrices; reading the old file gives the item new ones, so the copy
+    // keeps exactly the state that redo needs while it is written in the background.
+    m_present.reset(m_item->duplicate());
+    const std::shared_ptr<QSciImage> present = m_present;
+    present->setPosition(m_item->left(), m_item->top());
+    present->setVisible(m_item->isVisible());
+    present->setSelected(m_item->isSelected());
     const bool restored = restoreInto(m_item);
-    QFile::remove(oldFile);
-    *m_heldBytes -= qMin(*m_heldBytes, oldSize);
+    QFile::remove(m_file);
+    *m_heldBytes -= qMin(*m_heldBytes, m_size);
+    m_size = 0;
     m_tag = newTag;
-    m_file = newFile;
-    m_size = quint64(QFileInfo(newFile).size());
-    *m_heldBytes += m_size;
-    m_position = newPosition;
-    m_visible = newVisible;
-    m_selected = newSelected;
+    m_file = fileFor(newTag);
+    m_position = QPoint(present->left(), present->top());
+    m_visible = present->isVisible();
+    m_selected = present->isSelected();
+    const QString file = m_file;
+    const QSciImage::Parts parts = m_parts | QSciImage::HeaderPart;
+    m_pending = QtConcurrent::run(
+        writerPool(), [present, file, parts]() { return ItemFile::write(*present, file, parts, true, nullptr); });
+    pendingTokens().insert(this);
     return restored;
+}
+
+void QSciHistoryToken::settle()
+{
+    if (!pendingTokens().remove(this))
+        return;
+    m_pending.waitForFinished();
+    m_present.reset();
+    if (m_pending.result()) {
+        m_size = quint64(QFileInfo(m_file).size());
+        *m_heldBytes += m_size;
+    } else {
+        HistoryLog::line(QStringLiteral("Could not save %1 in %2").arg(m_itemText, m_file));
+        m_file.clear();
+    }
+}
+
+void QSciHistoryToken::settleAll()
+{
+    const QSet<QSciHistoryToken*> pending = pendingTokens();
+    for (QSciHistoryToken* token : pending)
+        token->settle();
 }
 
 bool QSciHistoryToken::restoreInto(QSciImage* into) const
 {
+    const_cast<QSciHistoryToken*>(this)->settle();
     if (m_file.isEmpty() || !into)
         return false;
     QString message;
@@ -114,6 +161,7 @@ bool QSciHistoryToken::restoreInto(QSciImage* into) const
 
 void QSciHistoryToken::dropFile()
 {
+    settle();
     if (m_file.isEmpty())
         return;
     QFile::remove(m_file);

@@ -2,10 +2,12 @@
 
 #include "core/items/qsciimage.h"
 
+#include <QFuture>
 #include <QList>
 #include <QPoint>
 #include <QPointer>
 #include <QString>
+#include <memory>
 
 class QObject;
 
@@ -43,8 +45,14 @@ public:
 
     /** Writes the item's recorded parts and place to the file of @p newTag, replacing the token's file. */
     bool save(quint32 newTag);
-    /** Saves the present state under @p newTag, then reads the old file back into the item (mode 2). */
+    /**
+     * Reads the old file back into the item and saves the state it had under @p newTag (mode 2). The save
+     * runs in the background from a copy, so an undo costs about one read; the token waits for it before
+     * its file is used again.
+     */
     bool swap(quint32 newTag);
+    /** Waits for every background save of any token and books the sizes. */
+    static void settleAll();
     /** Reads the file into @p into (parts and place); false when it is unreadable. */
     bool restoreInto(QSciImage* into) const;
     /** Deletes the file and gives its bytes back. */
@@ -57,6 +65,8 @@ public:
 private:
     QString fileFor(quint32 tag) const;
     bool write(const QString& file);
+    /** Waits for this token's background save. */
+    void settle();
 
     quint32 m_tag;
     int m_mode;
@@ -71,6 +81,8 @@ private:
     QPoint m_position;
     bool m_visible = true;
     bool m_selected = false;
+    QFuture<bool> m_pending;
+    std::shared_ptr<QSciImage> m_present; ///< released on this thread once the background save ended
 };
 
 /** The name the records of the undo list carry elsewhere. */
