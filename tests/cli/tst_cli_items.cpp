@@ -73,6 +73,29 @@ private slots:
         QVERIFY(QImage(path("g.png")).pixelColor(0, 0) != QColor(0x10, 0x20, 0x30));
     }
 
+    void infoDescribesTheFile()
+    {
+        QCOMPARE(cli({ "synth", "--size", "6x4", "--seed", "2", "--out", path("i.img.velm") }).exitCode, 0);
+        QCOMPARE(cli({ "apply", path("i.img.velm"), "--out", path("i2.img.velm"), "mask-rect", "--rect", "0,0,2,3" })
+                     .exitCode,
+            0);
+        const CliResult info = cli({ "info", path("i2.img.velm"), "--objects" });
+        QCOMPARE(info.exitCode, 0);
+        const QJsonObject json = QJsonDocument::fromJson(info.out).object();
+        QCOMPARE(json.value("type").toString(), QString("image"));
+        QCOMPARE(json.value("width").toInt(), 6);
+        QCOMPARE(json.value("height").toInt(), 4);
+        QCOMPARE(json.value("parts").toString(), QString("11111"));
+        QCOMPARE(json.value("maskSelected").toInt(), 6);
+        QCOMPARE(json.value("objects").toInt(), 0);
+        QVERIFY(json.value("objectRecords").isArray());
+        QCOMPARE(json.value("properties").toObject().value("sciValues.zUnit").toString(), QString("nm"));
+        const QJsonObject z = json.value("z").toObject();
+        QVERIFY(z.value("min").toDouble() <= z.value("mean").toDouble());
+        QVERIFY(z.value("mean").toDouble() <= z.value("max").toDouble());
+        QCOMPARE(cli({ "info", path("nothing.img.velm") }).exitCode, 1);
+    }
+
     void failuresAndUsageErrors()
     {
         const CliResult missing = cli({ "export-z", path("nope.img.velm") });
