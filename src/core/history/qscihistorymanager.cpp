@@ -58,46 +58,39 @@ void QSciHistoryManager::beginTransaction(const QString& name, QSciHistoryHost* 
     m_current = new QSciHistoryTransaction(name, host, tab);
 }
 
+void QSciHistoryManager::record(QSciImage* item, int mode, QSciImage::Parts parts)
+{
+    if (!m_current || !item || (mode != QSciHistoryToken::Modified && !m_current->host()))
+        return;
+    auto* token = new QSciHistoryToken(nextTag(), mode, item, parts, m_directory, &m_currentSize);
+    if (mode != QSciHistoryToken::Modified) {
+        token->tab = m_current->host()->historyTabOf(item);
+        token->index = m_current->host()->historyTabItems(token->tab).indexOf(item);
+    }
+    // A created item is still there: it is saved only when an undo takes it away.
+    if (mode != QSciHistoryToken::Created) {
+        token->save(token->tag());
+        HistoryLog::line(QStringLiteral("Saving QSciImage %1 historytag %2 in %3")
+                             .arg(HistoryLog::describe(item))
+                             .arg(token->tag())
+                             .arg(token->fileName()));
+    }
+    m_current->append(token);
+}
+
 void QSciHistoryManager::saveItem(QSciImage* item, QSciImage::Parts parts)
 {
-    if (!m_current || !item)
-        return;
-    auto* token = new QSciHistoryToken(0, QSciHistoryToken::Modified, item, parts, m_directory, &m_currentSize);
-    const quint32 tag = nextTag();
-    token->save(tag);
-    HistoryLog::line(QStringLiteral("Saving QSciImage %1 historytag %2 in %3")
-                         .arg(HistoryLog::describe(item))
-                         .arg(tag)
-                         .arg(token->fileName()));
-    m_current->append(token);
+    record(item, QSciHistoryToken::Modified, parts);
 }
 
 void QSciHistoryManager::recordCreated(QSciImage* item)
 {
-    if (!m_current || !item || !m_current->host())
-        return;
-    auto* token = new QSciHistoryToken(
-        nextTag(), QSciHistoryToken::Created, item, QSciImage::AllParts, m_directory, &m_currentSize);
-    token->tab = m_current->host()->historyTabOf(item);
-    token->index = m_current->host()->historyTabItems(token->tab).indexOf(item);
-    m_current->append(token);
+    record(item, QSciHistoryToken::Created, QSciImage::AllParts);
 }
 
 void QSciHistoryManager::recordRemoval(QSciImage* item)
 {
-    if (!m_current || !item || !m_current->host())
-        return;
-    auto* token
-        = new QSciHistoryToken(0, QSciHistoryToken::Removed, item, QSciImage::AllParts, m_directory, &m_currentSize);
-    token->tab = m_current->host()->historyTabOf(item);
-    token->index = m_current->host()->historyTabItems(token->tab).indexOf(item);
-    const quint32 tag = nextTag();
-    token->save(tag);
-    HistoryLog::line(QStringLiteral("Saving QSciImage %1 historytag %2 in %3")
-                         .arg(HistoryLog::describe(item))
-                         .arg(tag)
-                         .arg(token->fileName()));
-    m_current->append(token);
+    record(item, QSciHistoryToken::Removed, QSciImage::AllParts);
 }
 
 void QSciHistoryManager::recordOrder(QObject* tab)

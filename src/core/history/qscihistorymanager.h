@@ -65,6 +65,8 @@ private:
     QSciHistoryManager();
     ~QSciHistoryManager() override;
     quint32 nextTag() { return ++m_lastTag; }
+    /** Makes the token of @p mode for @p item in the running transaction. */
+    void record(QSciImage* item, int mode, QSciImage::Parts parts);
     void sizeCheck();
     void step(QSciHistoryTransaction* transaction, bool undo);
     void replaceReferences(quint64 oldSerial, QSciImage* replacement, QSciHistoryHost* host);
