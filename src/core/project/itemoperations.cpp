@@ -1,6 +1,7 @@
 #include "itemoperations.h"
 
 #include "collectiontab.h"
+#include "itemproperties.h"
 #include "operationscope.h"
 #include "project.h"
 
@@ -141,6 +142,11 @@ void ItemOperations::selectAllMask(Project& project, const QList<QSciImage*>& it
     apply(project, items, tr("Select all (mask)"), QSciImage::MaskPart, [](QSciImage& i) { i.selectAllMask(); });
 }
 
+void ItemOperations::unselectAllMask(Project& project, const QList<QSciImage*>& items)
+{
+    apply(project, items, tr("Unselect all (mask)"), QSciImage::MaskPart, [](QSciImage& i) { i.clearMask(); });
+}
+
 void ItemOperations::invertMask(Project& project, const QList<QSciImage*>& items)
 {
     apply(project, items, tr("Invert selection (mask)"), QSciImage::MaskPart, [](QSciImage& i) { i.invertMask(); });
@@ -154,6 +160,15 @@ void ItemOperations::setColorGradient(Project& project, const QList<QSciImage*>&
             if (i.drawZInSciPaint())
                 i.mapZToPicture();
         });
+}
+
+void ItemOperations::setProperties(Project& project, QSciImage* item, const ItemProperties& properties)
+{
+    if (!item || ItemProperties::of(*item) == properties)
+        return;
+    apply(project, { item }, tr("Item properties"),
+        QSciImage::HeaderPart | QSciImage::DisplayPart | QSciImage::PositionPart,
+        [&properties](QSciImage& i) { properties.applyTo(i); });
 }
 
 bool ItemOperations::cutToOverlap(

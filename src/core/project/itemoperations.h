@@ -8,6 +8,7 @@
 
 class ColorGradient;
 class Project;
+struct ItemProperties;
 class ProgressSink;
 
 /**
@@ -29,8 +30,12 @@ public:
     static void clearObjects(Project& project, const QList<QSciImage*>& items);
     static void clearMask(Project& project, const QList<QSciImage*>& items);
     static void selectAllMask(Project& project, const QList<QSciImage*>& items);
+    /** Like clearMask, under the selection tools' own text "Unselect all (mask)". */
+    static void unselectAllMask(Project& project, const QList<QSciImage*>& items);
     static void invertMask(Project& project, const QList<QSciImage*>& items);
     static void setColorGradient(Project& project, const QList<QSciImage*>& items, const ColorGradient& gradient);
+    /** Puts edited display and header values back into @p item as one transaction ("Item properties"). */
+    static void setProperties(Project& project, QSciImage* item, const ItemProperties& properties);
 
     /**
      * Cuts every item to the common area of all. Fewer than two items: nothing. Items without a common

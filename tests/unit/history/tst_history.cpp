@@ -285,6 +285,7 @@ private:
 
     QStringList historyFiles() const
     {
+        history()->currentSize(); // waits for background saves
         return QDir(history()->directory()).entryList({ QStringLiteral("*.tmp.img.velm") }, QDir::Files);
     }
 
