@@ -18,6 +18,9 @@
 #include <QToolButton>
 #include <QtTest>
 
+#include "core/items/qsciimage.h"
+#include "core/project/collectiontab.h"
+#include "core/project/project.h"
 #include "core/settings/options.h"
 #include "gui/app/collectiontabpage.h"
 #include "gui/app/fatalerror.h"
@@ -110,7 +113,7 @@ private slots:
                 QStringLiteral("Item properties"), QStringLiteral("Info && Settings") }));
 
         // Work of later stages is present but cannot be chosen.
-        QVERIFY(!child<QAction>(window, "actionOpen_items")->isEnabled());
+        QVERIFY(!child<QAction>(window, "actionBrowse")->isEnabled());
         QVERIFY(child<QAction>(window, "actionTab")->isEnabled());
         QCOMPARE(child<QAction>(window, "actionPlane_correction")->shortcut(),
             QKeySequence(Qt::ALT | Qt::Key_I, Qt::ALT | Qt::Key_P));
@@ -242,11 +245,15 @@ private slots:
         QVERIFY(!group->menuAction()->isEnabled());
         QVERIFY(qobject_cast<QMenu*>(menu->entry("popupImageList_zoomIn")->parent())->menuAction()->isEnabled());
 
+        CollectionTab* tab = window.project()->currentTab();
+        for (const char* name : { "a", "b", "c" }) {
+            auto* item = new QSciImage(4, 4, Qt::white);
+            item->setName(QLatin1String(name));
+            tab->addItem(item);
+        }
         auto* list = child<QListWidget>(window, "imageListWidget");
-        for (const char* name : { "a", "b", "c" })
-            list->addItem(QLatin1String(name));
-        list->item(0)->setSelected(true);
-        list->item(2)->setSelected(true);
+        list->item(list->count() - 3)->setSelected(true);
+        list->item(list->count() - 1)->setSelected(true);
         emit menu->aboutToShow();
         QCOMPARE(menu->selectionLine()->text(), QStringLiteral("2 selected images"));
 

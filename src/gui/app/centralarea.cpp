@@ -8,6 +8,8 @@
 #include <QVBoxLayout>
 
 #include "collectiontabpage.h"
+#include "core/project/collectiontab.h"
+#include "core/project/project.h"
 #include "iteminfowidget.h"
 
 CentralArea::CentralArea(QWidget* parent)
@@ -41,6 +43,26 @@ CentralArea::CentralArea(QWidget* parent)
     connect(m_tabs, &QTabWidget::currentChanged, this, &CentralArea::onCurrentChanged);
 }
 
+void CentralArea::setProject(Project* project)
+{
+    if (m_project)
+        disconnect(m_project, nullptr, this, nullptr);
+    m_following = true;
+    while (m_tabs->count() > 0) {
+        QWidget* page = m_tabs->widget(0);
+        m_tabs->removeTab(0);
+        delete page;
+    }
+    m_project = project;
+    for (CollectionTab* tab : project->tabs())
+        addPage(tab);
+    m_following = false;
+    connect(project, &Project::tabAdded, this, &CentralArea::addPage);
+    connect(project, &Project::tabRemoved, this, &CentralArea::removePage);
+    connect(project, &Project::currentTabChanged, this, &CentralArea::onProjectCurrentChanged);
+    onProjectCurrentChanged(project->currentIndex());
+}
+
 CollectionTabPage* CentralArea::currentPage() const
 {
     return qobject_cast<CollectionTabPage*>(m_tabs->currentWidget());
@@ -51,28 +73,102 @@ CollectionTabPage* CentralArea::page(int index) const
     return qobject_cast<CollectionTabPage*>(m_tabs->widget(index));
 }
 
+CollectionTabPage* CentralArea::pageFor(const CollectionTab* tab) const
+{
+    for (int i = 0; i < m_tabs->count(); ++i) {
+        if (page(i)->tab() == tab)
+            return page(i);
+    }
+    return nullptr;
+}
+
+QList<CollectionTabPage*> CentralArea::pages() const
+{
+    QList<CollectionTabPage*> all;
+    for (int i = 0; i < m_tabs->count(); ++i)
+        all.append(page(i));
+    return all;
+}
+
 CollectionTabPage* CentralArea::addTab(const QString& name)
 {
-    ++m_tabsCreated;
-    auto* page = new CollectionTabPage(m_tabs);
-    connect(page, &CollectionTabPage::contextMenuRequested, this, &CentralArea::contextMenuRequested);
-    const QString title = name.trimmed().isEmpty() ? tr("Tab %1").arg(m_tabsCreated) : name.trimmed();
-    m_tabs->setCurrentIndex(m_tabs->addTab(page, title));
-    return page;
+    if (!m_project)
+        return nullptr;
+    CollectionTab* tab = m_project->addTab(name.trimmed());
+    m_project->setCurrentIndex(m_project->indexOf(tab));
+    return pageFor(tab);
 }
 
 bool CentralArea::renameCurrentTab(const QString& name)
 {
     const QString title = name.trimmed();
-    const int index = m_tabs->currentIndex();
-    if (title.isEmpty() || index < 0)
+    CollectionTabPage* current = currentPage();
+    if (title.isEmpty() || !current || !current->tab())
         return false;
-    m_tabs->setTabText(index, title);
+    current->tab()->setName(title);
     return true;
+}
+
+void CentralArea::setToolMouseSink(ToolMouseSink* sink)
+{
+    m_sink = sink;
+    for (CollectionTabPage* p : pages())
+        p->setToolMouseSink(sink);
+}
+
+void CentralArea::setItemsMovable(bool movable)
+{
+    m_movable = movable;
+    for (CollectionTabPage* p : pages())
+        p->setItemsMovable(movable);
+}
+
+void CentralArea::addPage(CollectionTab* tab)
+{
+    auto* page = new CollectionTabPage(tab, m_tabs);
+    page->setToolMouseSink(m_sink);
+    page->setItemsMovable(m_movable);
+    connect(page, &CollectionTabPage::contextMenuRequested, this, &CentralArea::contextMenuRequested);
+    connect(page, &CollectionTabPage::zoomStepRequested, this, &CentralArea::zoomStepRequested);
+    connect(page, &CollectionTabPage::itemsDragged, this, &CentralArea::itemsDragged);
+    connect(page, &CollectionTabPage::pointHovered, this, &CentralArea::pointHovered);
+    connect(tab, &CollectionTab::renamed, this, [this, page](const QString& name) {
+        const int index = m_tabs->indexOf(page);
+        m_tabs->setTabText(index, name);
+        if (index == m_tabs->currentIndex())
+            m_tabName->setText(name);
+    });
+    const bool following = m_following;
+    m_following = true;
+    m_tabs->insertTab(m_project->indexOf(tab), page, tab->name());
+    m_following = following;
+}
+
+void CentralArea::removePage(CollectionTab* tab)
+{
+    CollectionTabPage* doomed = pageFor(tab);
+    if (!doomed)
+        return;
+    const bool following = m_following;
+    m_following = true;
+    m_tabs->removeTab(m_tabs->indexOf(doomed));
+    m_following = following;
+    delete doomed;
 }
 
 void CentralArea::onCurrentChanged(int index)
 {
     m_tabName->setText(index >= 0 ? m_tabs->tabText(index) : QString());
+    if (!m_following && m_project)
+        m_project->setCurrentIndex(index);
     emit currentPageChanged(page(index));
+}
+
+void CentralArea::onProjectCurrentChanged(int index)
+{
+    if (index < 0 || index >= m_tabs->count() || index == m_tabs->currentIndex())
+        return;
+    m_following = true;
+    m_tabs->setCurrentIndex(index);
+    m_following = false;
 }

@@ -1,24 +1,49 @@
 #include "collectiontabpage.h"
 
 #include <QGraphicsScene>
-#include <QGraphicsView>
+#include <QPainter>
 #include <QVBoxLayout>
 
-CollectionTabPage::CollectionTabPage(QWidget* parent)
+#include "collectiontabview.h"
+#include "core/items/qsciimage.h"
+#include "core/project/collectiontab.h"
+#include "imagegraphicsitem.h"
+
+CollectionTabPage::CollectionTabPage(CollectionTab* tab, QWidget* parent)
     : QWidget(parent)
+    , m_tab(tab)
     , m_scene(new QGraphicsScene(this))
-    , m_view(new QGraphicsView(m_scene, this))
+    , m_view(new CollectionTabView(this, m_scene))
 {
-    m_view->setObjectName(QStringLiteral("graphicsView"));
-    m_view->setDragMode(QGraphicsView::RubberBandDrag);
-    m_view->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    m_view->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_view, &QWidget::customContextMenuRequested, this,
-        [this](const QPoint& pos) { emit contextMenuRequested(m_view->viewport()->mapToGlobal(pos)); });
+    connect(m_view, &CollectionTabView::contextMenuRequested, this, &CollectionTabPage::contextMenuRequested);
+    connect(m_view, &CollectionTabView::zoomStepRequested, this, &CollectionTabPage::zoomStepRequested);
+    connect(m_view, &CollectionTabView::itemsDragged, this, &CollectionTabPage::itemsDragged);
+    connect(m_view, &CollectionTabView::pointHovered, this, &CollectionTabPage::pointHovered);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_view);
+
+    if (!tab)
+        return;
+    for (QSciImage* item : tab->items())
+        addGraphicsItem(item);
+    connect(tab, &CollectionTab::itemAdded, this, &CollectionTabPage::addGraphicsItem);
+    connect(tab, &CollectionTab::itemRemoved, this, &CollectionTabPage::removeGraphicsItem);
+    connect(tab, &CollectionTab::orderChanged, this, [this] {
+        for (ImageGraphicsItem* graphics : qAsConst(m_items))
+            graphics->syncPlace();
+    });
+}
+
+CollectionTab* CollectionTabPage::tab() const
+{
+    return m_tab;
+}
+
+QGraphicsView* CollectionTabPage::view() const
+{
+    return m_view;
 }
 
 void CollectionTabPage::setZoomPercent(int percent)
@@ -28,4 +53,50 @@ void CollectionTabPage::setZoomPercent(int percent)
     m_zoomPercent = percent;
     const qreal factor = percent / 100.0;
     m_view->setTransform(QTransform::fromScale(factor, factor));
+}
+
+void CollectionTabPage::setToolMouseSink(ToolMouseSink* sink)
+{
+    m_view->setToolMouseSink(sink);
+}
+
+void CollectionTabPage::setItemsMovable(bool movable)
+{
+    m_movable = movable;
+    for (ImageGraphicsItem* graphics : qAsConst(m_items))
+        graphics->setMovable(movable);
+}
+
+QRectF CollectionTabPage::visibleSceneRect() const
+{
+    return m_view->mapToScene(m_view->viewport()->rect()).boundingRect();
+}
+
+void CollectionTabPage::renderVisibleArea(QPainter* painter, const QRectF& target)
+{
+    for (ImageGraphicsItem* graphics : qAsConst(m_items))
+        graphics->setDecorated(false);
+    m_scene->render(painter, target, visibleSceneRect(), Qt::KeepAspectRatio);
+    for (ImageGraphicsItem* graphics : qAsConst(m_items))
+        graphics->setDecorated(true);
+}
+
+void CollectionTabPage::addGraphicsItem(QSciImage* item)
+{
+    if (m_items.contains(item))
+        return;
+    auto* graphics = new ImageGraphicsItem(item);
+    graphics->setMovable(m_movable);
+    m_items.insert(item, graphics);
+    m_scene->addItem(graphics);
+    // Items below may have moved up a place.
+    for (ImageGraphicsItem* other : qAsConst(m_items))
+        other->syncPlace();
+}
+
+void CollectionTabPage::removeGraphicsItem(QSciImage* item)
+{
+    delete m_items.take(item);
+    for (ImageGraphicsItem* other : qAsConst(m_items))
+        other->syncPlace();
 }

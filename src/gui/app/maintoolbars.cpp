@@ -20,12 +20,12 @@ MainToolBars::MainToolBars(QMainWindow* window, const MainActions& actions)
     file->addAction(actions.get("actionOpen_items"));
     file->addAction(actions.get("actionBrowse"));
     // The project switches this label between saving the selection and saving the current tab.
-    addButton(file, "pbSaveSelection", tr("Save selected images"));
+    m_saveSelection = addButton(file, "pbSaveSelection", tr("Save selected images"));
     file->addAction(actions.get("actionPrint_visible_area"));
 
     QToolBar* history = addBar(window, "toolBarHistory", tr("History"));
-    addButton(history, "pbUndo", tr("Undo"));
-    addButton(history, "pbRedo", tr("Redo"));
+    m_undo = addButton(history, "pbUndo", tr("Undo"));
+    m_redo = addButton(history, "pbRedo", tr("Redo"));
     m_history = addButton(history, "pbHistoryOnOff", tr("History on/off"));
     m_history->setCheckable(true);
     m_history->setEnabled(true);

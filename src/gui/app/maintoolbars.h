@@ -28,6 +28,9 @@ public:
     QSpinBox* zoomBox() const { return m_zoom; }
     QToolButton* zoom100Button() const { return m_zoom100; }
     QToolButton* historyButton() const { return m_history; }
+    QToolButton* undoButton() const { return m_undo; }
+    QToolButton* redoButton() const { return m_redo; }
+    QToolButton* saveSelectionButton() const { return m_saveSelection; }
 
 private:
     QToolBar* addBar(QMainWindow* window, const char* objectName, const QString& title);
@@ -37,4 +40,7 @@ private:
     QSpinBox* m_zoom = nullptr;
     QToolButton* m_zoom100 = nullptr;
     QToolButton* m_history = nullptr;
+    QToolButton* m_undo = nullptr;
+    QToolButton* m_redo = nullptr;
+    QToolButton* m_saveSelection = nullptr;
 };

@@ -3,6 +3,7 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDataStream>
+#include <QDateTime>
 #include <QDockWidget>
 #include <QLabel>
 #include <QListWidget>
@@ -18,8 +19,21 @@
 #include "collectiontabpage.h"
 #include "componentsdock.h"
 #include "core/base/tempfiles.h"
+#include "core/history/qscihistorymanager.h"
+#include "core/items/qsciimage.h"
+#include "core/processing/syntheticfield.h"
+#include "core/project/collectiontab.h"
+#include "core/project/itemarrangement.h"
+#include "core/project/itemclipboard.h"
+#include "core/project/itemoperations.h"
+#include "core/project/project.h"
 #include "core/settings/options.h"
 #include "documentsdock.h"
+#include "formadvancedalignment.h"
+#include "formitemproperties.h"
+#include "formnewimage.h"
+#include "formrecalibratez.h"
+#include "gui/display/formchoosecolorgradient.h"
 #include "itemcontextmenu.h"
 #include "iteminfowidget.h"
 #include "mainactions.h"
@@ -27,6 +41,7 @@
 #include "outputpage.h"
 #include "searchreplacebar.h"
 #include "toolsdock.h"
+#include "undoredomenu.h"
 
 namespace {
 
@@ -40,22 +55,42 @@ constexpr int updateZValuesIntervalMs = 100;
 constexpr int selectionIntervalMs = 100;
 constexpr int updateStatusBarIntervalMs = 250;
 constexpr int updateSelectionStatusIntervalMs = 250;
+// One Ctrl+wheel notch zooms by a quarter.
+constexpr double zoomStepFactor = 1.25;
 
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
+    , m_project(new Project(this))
+    , m_clipboard(new ItemClipboard(this))
 {
+    // Files a run that ended abnormally left behind; the settings folder may have changed since the last window.
+    QSciHistoryManager* history = QSciHistoryManager::instance();
+    history->reloadSettings();
+    history->cleanDirectory();
+    m_project->addTab();
+
     buildForm();
     createToolBars();
+    wireActions();
     setWindowTitle(tr("Velmora"));
     QListWidget* imageList = m_componentsDock->imageList();
     connect(imageList, &QListWidget::itemSelectionChanged, this, &MainWindow::onImageList_updateSelectionAndVisibility);
     connect(imageList, &QListWidget::itemChanged, this, &MainWindow::imageList_changed);
     // The dialogs and panels of the other subsystems are created here, once, parented to the window.
+    m_formNewImage = new FormNewImage(this);
+    m_formRecalibrateZ = new FormRecalibrateZ(this);
+    m_formAdvancedAlignment = new FormAdvancedAlignment(this);
+    m_formChooseColorGradient = new FormChooseColorGradient(this);
+    m_formItemProperties = new FormItemProperties(this);
     createTimers();
     readSettings();
     readLastProject();
+    wireHistory();
+    addFirstStartDemo();
+    m_project->setModified(false);
+    updateItemActions();
 
     // Work that needs a visible window runs as soon as the event loop has started.
     m_creationTimer = new QTimer(this);
@@ -66,6 +101,9 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow()
 {
+    // The project goes first, while the pages and the list that show it can still let go of its items.
+    delete m_project;
+    m_project = nullptr;
     TempFiles::removeFfmpegLeftovers(Options::tempDir());
 }
 
@@ -77,14 +115,32 @@ void MainWindow::buildForm()
 
     m_central = new CentralArea(this);
     setCentralWidget(m_central);
+    m_central->setProject(m_project);
     connect(m_central, &CentralArea::currentPageChanged, this, &MainWindow::onCurrentTabChanged);
     connect(m_central, &CentralArea::contextMenuRequested, this, &MainWindow::showItemContextMenu);
+    connect(m_central, &CentralArea::pointHovered, this, &MainWindow::onPointHovered);
+    connect(m_central, &CentralArea::itemsDragged, this, [this](const QList<QSciImage*>& items, int dx, int dy) {
+        ItemOperations::apply(*m_project, items, tr("Move items"), QSciImage::PositionPart,
+            [dx, dy](QSciImage& item) { item.moveBy(dx, dy); });
+    });
+    connect(m_central, &CentralArea::zoomStepRequested, this, [this](int steps) {
+        const CollectionTabPage* page = m_central->currentPage();
+        if (!page)
+            return;
+        // At small zooms a quarter rounds away; one percent is the least step.
+        const int now = page->zoomPercent();
+        setCurrentZoom(
+            steps > 0 ? qMax(now + 1, qRound(now * zoomStepFactor)) : qMin(now - 1, qRound(now / zoomStepFactor)));
+    });
 
     m_toolsDock = new ToolsDock(this);
     addDockWidget(Qt::LeftDockWidgetArea, m_toolsDock);
     m_componentsDock = new ComponentsDock(this);
     addDockWidget(Qt::RightDockWidgetArea, m_componentsDock);
+    m_componentsDock->setProject(m_project);
     connect(m_componentsDock, &ComponentsDock::contextMenuRequested, this, &MainWindow::showItemContextMenu);
+    connect(m_componentsDock, &ComponentsDock::itemStateChanged, this, &MainWindow::updateItemActions);
+    connect(m_clipboard, &ItemClipboard::changed, this, &MainWindow::updateItemActions);
     m_documentsDock = new DocumentsDock(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_documentsDock);
 
@@ -97,8 +153,8 @@ void MainWindow::buildForm()
     for (const char* working : { "on_pbZoom100Percent_clicked", "popupImageList_zoomIn", "popupImageList_zoomOut" })
         m_contextMenu->setEntryEnabled(working, true);
 
-    addCollectionTab();
-    wireActions();
+    m_undoRedoMenu = new UndoRedoMenu(this);
+    menuBar()->insertMenu(menuBar()->actions().value(1), m_undoRedoMenu);
 }
 
 void MainWindow::createToolBars()
@@ -120,6 +176,8 @@ void MainWindow::wireActions()
 {
     m_actions->wire("actionTab", this, [this] { addCollectionTab(); });
     m_actions->wire("actionQuit", this, &QWidget::close);
+    wireItemActions();
+    wireFileActions();
 
     wireViewToggle("actionToolbox", m_toolsDock);
     wireViewToggle("actionComponents", m_componentsDock);
@@ -216,29 +274,75 @@ void MainWindow::writeSettings() const
 void MainWindow::readLastProject()
 {
     m_lastProjectFilename = Options::getString(key("lastProjectFilename"), QString());
-    // Opening projects is not built yet: the entry shows the stored project but has nothing to run.
     QAction* reopen = m_actions->get("action_reopen_last_project");
     reopen->setEnabled(!m_lastProjectFilename.isEmpty());
     if (!m_lastProjectFilename.isEmpty())
         reopen->setText(tr("(Re-)open") + QStringLiteral(": ") + m_lastProjectFilename);
 }
 
+void MainWindow::rememberLastProject(const QString& folder)
+{
+    Options::setString(key("lastProjectFilename"), folder);
+    readLastProject();
+}
+
+void MainWindow::addFirstStartDemo()
+{
+    // A first start shows something to try the tools on; later starts never again, even when it was deleted.
+    if (!m_lastProjectFilename.isEmpty() || Options::getBool(key("firstStartDone"), false))
+        return;
+    Options::setBool(key("firstStartDone"), true);
+    SyntheticField::Parameters parameters;
+    auto* demo = new QSciImage(parameters.width, parameters.height, Qt::white);
+    if (!demo->setZMatrix(SyntheticField::generate(parameters))) {
+        delete demo;
+        return;
+    }
+    QSciImage::SciValues values;
+    values.xUnit = values.yUnit = values.zUnit = QStringLiteral("nm");
+    values.sizeX = parameters.width;
+    values.sizeY = parameters.height;
+    demo->setSciValues(values);
+    demo->setColorGradient(ColorGradient::builtIn(13));
+    demo->mapZToPicture();
+    demo->setDrawSwitches(true, true, true, true);
+    demo->setName(tr("Demo"));
+    demo->setCreationTime(QDateTime::currentDateTime());
+    m_project->currentTab()->addItem(demo);
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     // First, so that even a cancelled quit has kept the layout and choices.
     writeSettings();
-    if (projectHasUnsavedChanges() && askSaveProjectOnQuit() == QMessageBox::Cancel) {
-        event->ignore();
-        return;
+    if (projectHasUnsavedChanges()) {
+        const QMessageBox::StandardButton answer = askSaveProjectOnQuit();
+        if (answer == QMessageBox::Cancel) {
+            event->ignore();
+            return;
+        }
+        if (answer == QMessageBox::Yes) {
+            const QString folder = chooseOne(
+                FileChoice::SaveFile, "saveMainDialogPath", tr("Save project as"), tr("project directory (*)"));
+            QString message;
+            // An empty choice saves nothing and still quits; a failed save keeps the work open.
+            if (!folder.isEmpty() && !saveProject(folder, &message)) {
+                showMessage(tr("Save project"), message);
+                event->ignore();
+                return;
+            }
+        }
     }
-    // Yes would save the project here; until the project can be saved nothing is unsaved, so Yes
-    // and No both quit.
+    // A normal end leaves no history files behind.
+    QSciHistoryManager* history = QSciHistoryManager::instance();
+    history->forget(m_project);
+    history->cleanDirectory();
     event->accept();
 }
 
 bool MainWindow::projectHasUnsavedChanges() const
 {
-    return false;
+    return m_project->isModified();
 }
 
 QMessageBox::StandardButton MainWindow::askSaveProjectOnQuit()
@@ -262,6 +366,35 @@ CollectionTabPage* MainWindow::currentCollectionTab() const
     return m_central->currentPage();
 }
 
+CollectionTabPage* MainWindow::pageFor(const CollectionTab* tab) const
+{
+    return m_central->pageFor(tab);
+}
+
+void MainWindow::setToolMouseSink(ToolMouseSink* sink)
+{
+    m_central->setToolMouseSink(sink);
+}
+
+void MainWindow::setItemsMovable(bool movable)
+{
+    m_central->setItemsMovable(movable);
+}
+
+QList<QSciImage*> MainWindow::selectedItems() const
+{
+    return m_project->selectedItems(m_componentsDock->usesOnlyActiveTab());
+}
+
+QSciImage* MainWindow::currentItem() const
+{
+    const CollectionTab* tab = m_project->currentTab();
+    if (!tab || tab->count() == 0)
+        return nullptr;
+    const QList<QSciImage*> selected = tab->selectedItems();
+    return selected.isEmpty() ? tab->items().last() : selected.last();
+}
+
 void MainWindow::creationTimerEvent()
 {
     m_updateZValuesTimer->start();
@@ -271,9 +404,37 @@ void MainWindow::creationTimerEvent()
     updateStatusBarTimerEvent();
 }
 
+void MainWindow::onPointHovered(QSciImage* item, const QPoint& point)
+{
+    m_hoverItem = item;
+    m_hoverPoint = point;
+}
+
 void MainWindow::updateZValuesTimerEvent()
 {
-    // Shows the z value under the cursor once items can be shown on a tab.
+    m_hoverText = hoverText();
+}
+
+QString MainWindow::hoverText() const
+{
+    const QSciImage* item = m_hoverItem;
+    if (!item || m_hoverPoint.x() < 0 || m_hoverPoint.y() < 0 || m_hoverPoint.x() >= item->width()
+        || m_hoverPoint.y() >= item->height())
+        return QString();
+    // The view counts rows from the top; the item's points count them from the bottom.
+    const int x = m_hoverPoint.x();
+    const int y = item->height() - 1 - m_hoverPoint.y();
+    const QSciImage::SciValues& sci = item->sciValues();
+    const auto withUnit = [](double value, const QString& unit) {
+        return unit.isEmpty() ? QString::number(value, 'g', 6)
+                              : QString::number(value, 'g', 6) + QLatin1Char(' ') + unit;
+    };
+    return tr("%1: x %2, y %3 (%4, %5), z %6")
+        .arg(item->name())
+        .arg(x)
+        .arg(y)
+        .arg(withUnit(sci.offsetX + x * sci.xUnitPerPixel, sci.xUnit),
+            withUnit(sci.offsetY + y * sci.yUnitPerPixel, sci.yUnit), withUnit(item->z(x, y), sci.zUnit));
 }
 
 void MainWindow::selectionTimerEvent()
@@ -285,19 +446,59 @@ void MainWindow::updateStatusBarTimerEvent()
 {
     const QTabWidget* tabs = m_central->tabs();
     const CollectionTabPage* page = m_central->currentPage();
-    const QString text = page ? tr("Tab \"%1\" (%2 of %3), zoom %4%")
-                                    .arg(tabs->tabText(tabs->currentIndex()))
-                                    .arg(tabs->currentIndex() + 1)
-                                    .arg(tabs->count())
-                                    .arg(page->zoomPercent())
-                              : QString();
+    QString text = page ? tr("Tab \"%1\" (%2 of %3), zoom %4%")
+                              .arg(tabs->tabText(tabs->currentIndex()))
+                              .arg(tabs->currentIndex() + 1)
+                              .arg(tabs->count())
+                              .arg(page->zoomPercent())
+                        : QString();
+    if (!m_hoverText.isEmpty())
+        text += QStringLiteral("   ") + m_hoverText;
     if (m_statusLabel->text() != text)
         m_statusLabel->setText(text);
 }
 
 void MainWindow::updateSelectionStatusTimerEvent()
 {
-    // Shows the size of the current selection once the selection tools exist.
+    updateItemActions();
+    updateItemInfo();
+}
+
+void MainWindow::updateItemInfo()
+{
+    QSciImage* item = currentItem();
+    if (item != m_infoItem) {
+        if (m_infoItem)
+            disconnect(m_infoItem, nullptr, this, nullptr);
+        m_infoItem = item;
+        if (item)
+            connect(item, &QSciImage::contentChanged, this, [this] { m_itemInfoDirty = true; });
+        m_itemInfoDirty = true;
+    }
+    if (!m_itemInfoDirty)
+        return;
+    m_itemInfoDirty = false;
+    if (!item) {
+        m_central->itemInfo()->setInfo(QString());
+        return;
+    }
+    double low = 0, high = 0;
+    item->zRange(&low, &high);
+    const QSciImage::SciValues& sci = item->sciValues();
+    // A size never set follows from the points and their calibration.
+    const double sizeX = sci.sizeX > 0 ? sci.sizeX : item->width() * sci.xUnitPerPixel;
+    const double sizeY = sci.sizeY > 0 ? sci.sizeY : item->height() * sci.yUnitPerPixel;
+    m_central->itemInfo()->setInfo(tr("%1: %2 x %3 points, %4 x %5 %6, z %7 to %8 %9")
+                                       .arg(item->name())
+                                       .arg(item->width())
+                                       .arg(item->height())
+                                       .arg(sizeX, 0, 'g', 6)
+                                       .arg(sizeY, 0, 'g', 6)
+                                       .arg(sci.xUnit)
+                                       .arg(low, 0, 'g', 6)
+                                       .arg(high, 0, 'g', 6)
+                                       .arg(sci.zUnit)
+                                       .trimmed());
 }
 
 void MainWindow::onToolbarVisibilityChanged(bool)
@@ -313,17 +514,27 @@ void MainWindow::onToolbarVisibilityChanged(bool)
 
 void MainWindow::onImageList_updateSelectionAndVisibility()
 {
-    // The project mirrors the list's selection onto the items of the tabs.
+    m_componentsDock->applyListSelection();
 }
 
-void MainWindow::imageList_changed(QListWidgetItem*)
+void MainWindow::imageList_changed(QListWidgetItem* row)
 {
-    // The project renames and shows or hides the item of an edited list entry.
+    QSciImage* item = m_componentsDock->itemOf(row);
+    if (!item)
+        return;
+    const bool visible = row->checkState() == Qt::Checked;
+    if (visible != item->isVisible())
+        ItemArrangement::setVisible(*m_project, { item }, visible);
+    const QString name = row->text().trimmed();
+    if (!name.isEmpty() && name != item->name())
+        ItemOperations::apply(*m_project, { item }, tr("Rename"), QSciImage::HeaderPart,
+            [name](QSciImage& renamed) { renamed.setName(name); });
 }
 
 void MainWindow::popupImageList_aboutToShow()
 {
-    m_contextMenu->setSelectedCount(m_componentsDock->imageList()->selectedItems().count());
+    updateItemActions();
+    m_contextMenu->setSelectedCount(selectedItems().size());
 }
 
 void MainWindow::showItemContextMenu(const QPoint& globalPos)
@@ -362,4 +573,5 @@ void MainWindow::onCurrentTabChanged(CollectionTabPage* page)
 {
     if (page && m_toolBars)
         m_toolBars->zoomBox()->setValue(page->zoomPercent());
+    m_itemInfoDirty = true;
 }

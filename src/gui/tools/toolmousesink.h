@@ -18,6 +18,7 @@ public:
     virtual bool toolMousePressed(CollectionTabPage* page, QSciImage* item, const QPoint& point, Qt::MouseButton button)
         = 0;
     virtual void toolMouseMoved(CollectionTabPage* page, QSciImage* item, const QPoint& point) = 0;
-    virtual void toolMouseReleased(CollectionTabPage* page, QSciImage* item, const QPoint& point, Qt::MouseButton button)
+    virtual void toolMouseReleased(
+        CollectionTabPage* page, QSciImage* item, const QPoint& point, Qt::MouseButton button)
         = 0;
 };

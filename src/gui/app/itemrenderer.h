@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QImage>
+
+class QSciImage;
+
+/**
+ * Turns an item into the pictures a view shows: the base picture (the item's picture, or its z-matrix
+ * through its own gradient when it draws z), the mask as a translucent overlay and the outlines of its
+ * visible objects. Pure functions of the item; callers cache the results and re-render on contentChanged.
+ */
+class ItemRenderer final {
+public:
+    /** What the view draws underneath everything else; a transparent image when the item draws neither. */
+    static QImage base(const QSciImage& item);
+    /** The z-matrix through the item's gradient between the matrix's own minimum and maximum. */
+    static QImage zThroughGradient(const QSciImage& item);
+    /** Selected mask points in @p color, everything else transparent; a null image when nothing is selected. */
+    static QImage maskOverlay(const QSciImage& item, QRgb color);
+    /** The border points of the visible objects in their border colours; a null image when none is visible. */
+    static QImage objectOutlines(const QSciImage& item);
+    /** A square icon-sized copy of base(), kept in proportion, on a transparent square. */
+    static QImage thumbnail(const QSciImage& item, int edge);
+};

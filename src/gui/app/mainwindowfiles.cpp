@@ -1,0 +1,459 @@
+// The File menu: items, projects, exports and printing. Every file dialog goes through chooseFiles(), every
+// message through showMessage(), so that tests can answer both.
+
+#include "mainwindow.h"
+
+#include <memory>
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGraphicsView>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QSet>
+
+#include "centralarea.h"
+#include "collectiontabpage.h"
+#include "core/base/atomicfile.h"
+#include "core/history/qscihistorymanager.h"
+#include "core/items/itemfile.h"
+#include "core/items/textmatrix.h"
+#include "core/project/collectiontab.h"
+#include "core/project/operationscope.h"
+#include "core/project/project.h"
+#include "core/project/projectfile.h"
+#include "core/settings/options.h"
+#include "formnewimage.h"
+#include "itemrenderer.h"
+#include "mainactions.h"
+#include "postscriptwriter.h"
+#include "progressdialogsink.h"
+
+namespace {
+
+enum ItemExport { ZMatrices, Masks, Pictures };
+enum AreaExport { AreaPng, AreaPdf, AreaPostScript };
+
+// Room between an opened item and those already on the tab.
+constexpr int openedItemGap = 10;
+
+/** A file name made of @p name that is safe on every system and not yet in @p used. */
+QString uniqueFileName(const QString& name, const QString& suffix, QSet<QString>* used)
+{
+    QString base = name.trimmed();
+    for (const QChar c : { QLatin1Char('/'), QLatin1Char('\\'), QLatin1Char(':'), QLatin1Char('*'), QLatin1Char('?'),
+             QLatin1Char('"'), QLatin1Char('<'), QLatin1Char('>'), QLatin1Char('|') })
+        base.replace(c, QLatin1Char('_'));
+    if (base.isEmpty())
+        base = QStringLiteral("item");
+    QString candidate = base + suffix;
+    for (int n = 2; used->contains(candidate.toLower()); ++n)
+        candidate = base + QLatin1Char('_') + QString::number(n) + suffix;
+    used->insert(candidate.toLower());
+    return candidate;
+}
+
+QByteArray pngBytes(const QImage& image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+QString withSuffix(const QString& path, const QString& suffix)
+{
+    return path.endsWith(suffix, Qt::CaseInsensitive) ? path : path + suffix;
+}
+
+} // namespace
+
+void MainWindow::wireFileActions()
+{
+    m_actions->wire("actionOpen_items", this, &MainWindow::openItems);
+    m_actions->wire("actionItem_blank", this, &MainWindow::newBlankItem);
+    m_actions->wire("actionSave_selected_items", this, &MainWindow::saveSelectedItems);
+    m_actions->wire("actionSave_items_on_current_tab", this, &MainWindow::saveItemsOnCurrentTab);
+    m_actions->wire("actionProject", this, &MainWindow::newProjectAsked);
+    m_actions->wire("actionOpen_project", this, &MainWindow::openProjectAsked);
+    m_actions->wire("actionSave_project", this, &MainWindow::saveProjectAsked);
+    m_actions->wire("actionSave_project_as", this, &MainWindow::saveProjectAsAsked);
+    m_actions->wire("action_reopen_last_project", this, &MainWindow::reopenLastProject);
+    m_actions->wire("actionZ_Matrices", this, &MainWindow::exportZMatrices);
+    m_actions->wire("actionMasks", this, &MainWindow::exportMasks);
+    m_actions->wire("actionPictures_without_display_elements", this, &MainWindow::exportPictures);
+    m_actions->wire("actionVisible_area_as_image", this, &MainWindow::exportVisibleAreaPng);
+    m_actions->wire("actionPdf_file", this, &MainWindow::exportVisibleAreaPdf);
+    m_actions->wire("actionPostscript_file", this, &MainWindow::exportVisibleAreaPostScript);
+    m_actions->wire("actionPrint_visible_area", this, &MainWindow::printVisibleArea);
+}
+
+// ---- hooks ---------------------------------------------------------------------------------------------------
+
+QStringList MainWindow::chooseFiles(FileChoice kind, const QString& title, const QString& folder, const QString& filter)
+{
+    switch (kind) {
+    case FileChoice::OpenFiles:
+        return QFileDialog::getOpenFileNames(this, title, folder, filter);
+    case FileChoice::OpenFolder:
+    case FileChoice::ChooseFolder: {
+        const QString chosen = QFileDialog::getExistingDirectory(this, title, folder);
+        return chosen.isEmpty() ? QStringList() : QStringList { chosen };
+    }
+    case FileChoice::SaveFile: {
+        const QString chosen = QFileDialog::getSaveFileName(this, title, folder, filter);
+        return chosen.isEmpty() ? QStringList() : QStringList { chosen };
+    }
+    }
+    return QStringList();
+}
+
+void MainWindow::showMessage(const QString& title, const QString& text)
+{
+    QMessageBox::warning(this, title, text, QMessageBox::Ok);
+}
+
+QMessageBox::StandardButton MainWindow::askQuestion(const QString& title, const QString& text)
+{
+    return QMessageBox::question(
+        this, title, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+}
+
+int MainWindow::runDialog(QDialog* dialog)
+{
+    return dialog->exec();
+}
+
+bool MainWindow::choosePrinter(QPrinter* printer)
+{
+    QPrintDialog dialog(printer, this);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+QStringList MainWindow::chooseList(FileChoice kind, const char* pathKey, const QString& title, const QString& filter)
+{
+    const QString key = QLatin1String("MainWindow.") + QLatin1String(pathKey);
+    QString folder = Options::getString(key, QString());
+    if (folder.isEmpty() || !QFileInfo(folder).isDir())
+        folder = Options::homeDir();
+    QStringList chosen = chooseFiles(kind, title, folder, filter);
+    chosen.removeAll(QString());
+    if (chosen.isEmpty())
+        return chosen;
+    const QFileInfo first(chosen.first());
+    const bool isFolder = kind == FileChoice::OpenFolder || kind == FileChoice::ChooseFolder;
+    Options::setString(key, isFolder ? first.absoluteFilePath() : first.absolutePath());
+    return chosen;
+}
+
+QString MainWindow::chooseOne(FileChoice kind, const char* pathKey, const QString& title, const QString& filter)
+{
+    return chooseList(kind, pathKey, title, filter).value(0);
+}
+
+// ---- items ---------------------------------------------------------------------------------------------------
+
+void MainWindow::openItems()
+{
+    const QStringList chosen = chooseList(FileChoice::OpenFiles, "openMainDialogPath", tr("Open"),
+        tr("Velmora files (*.img.velm *.project.velm);;All files (*)"));
+    for (const QString& path : chosen) {
+        QString message;
+        if (!openFile(path, &message) || !message.isEmpty())
+            showMessage(tr("Open"), message);
+    }
+}
+
+bool MainWindow::openFile(const QString& path, QString* message)
+{
+    message->clear();
+    const QFileInfo info(path);
+    if (info.isDir() || path.endsWith(QLatin1String(".project.velm"), Qt::CaseInsensitive))
+        return openProject(info.isDir() ? info.absoluteFilePath() : info.absolutePath(), message);
+
+    auto item = std::make_unique<QSciImage>();
+    if (!ItemFile::load(*item, path, true, true, message))
+        return false;
+    addNewItem(item.release(), tr("Open"));
+    return true;
+}
+
+void MainWindow::addNewItem(QSciImage* item, const QString& operationName)
+{
+    CollectionTab* tab = m_project->currentTab() ? m_project->currentTab() : m_project->addTab();
+    // Keep the place the item has (a file remembers one) unless it would hide what is already there.
+    QRect occupied;
+    bool overlaps = false;
+    for (const QSciImage* other : tab->items()) {
+        occupied |= other->tabRect();
+        overlaps = overlaps || other->tabRect().intersects(item->tabRect());
+    }
+    if (overlaps)
+        item->setPosition(occupied.right() + 1 + openedItemGap, occupied.top());
+    item->setSelected(false);
+    item->setVisible(true);
+    OperationScope scope(m_project, tab, operationName);
+    tab->addItem(item);
+    scope.recordCreated(item);
+    scope.commit();
+}
+
+void MainWindow::newBlankItem()
+{
+    if (runDialog(m_formNewImage) != QDialog::Accepted)
+        return;
+    auto* item = new QSciImage(m_formNewImage->width(), m_formNewImage->height(), m_formNewImage->color());
+    item->setName(tr("New item"));
+    item->setCreationTime(QDateTime::currentDateTime());
+    addNewItem(item, tr("Create new image"));
+}
+
+void MainWindow::saveSelectedItems()
+{
+    saveItems(selectedItems());
+}
+
+void MainWindow::saveItemsOnCurrentTab()
+{
+    if (const CollectionTab* tab = m_project->currentTab())
+        saveItems(tab->items());
+}
+
+void MainWindow::saveItems(const QList<QSciImage*>& items)
+{
+    if (items.isEmpty())
+        return;
+    const QString folder = chooseOne(FileChoice::ChooseFolder, "saveCurrentTabOrSelectedImages",
+        items.size() == 1 ? tr("Save item") : tr("Save items"), QString());
+    if (folder.isEmpty())
+        return;
+    QSet<QString> used;
+    QStringList failures;
+    for (QSciImage* item : items) {
+        const QString path = QDir(folder).filePath(uniqueFileName(item->name(), ItemFile::suffix(), &used));
+        QString message;
+        if (!ItemFile::save(*item, path, QSciImage::AllParts, false, true, &message))
+            failures.append(message);
+    }
+    if (!failures.isEmpty())
+        showMessage(tr("Save items"), failures.join(QLatin1Char('\n')));
+}
+
+// ---- projects ------------------------------------------------------------------------------------------------
+
+bool MainWindow::openProject(const QString& folder, QString* message)
+{
+    message->clear();
+    ProgressDialogSink progress(this, tr("Open project"));
+    if (!ProjectFile::load(*m_project, folder, &progress, message))
+        return false;
+    rememberLastProject(m_project->fileName());
+    return true;
+}
+
+bool MainWindow::saveProject(const QString& folder, QString* message)
+{
+    ProgressDialogSink progress(this, tr("Save project"));
+    if (!ProjectFile::save(*m_project, folder, &progress, message))
+        return false;
+    rememberLastProject(m_project->fileName());
+    return true;
+}
+
+void MainWindow::clearProject()
+{
+    QSciHistoryManager::instance()->forget(m_project);
+    m_project->clear();
+    m_project->addTab();
+    m_project->setCurrentIndex(0);
+    m_project->setFileName(QString());
+    m_project->setModified(false);
+}
+
+bool MainWindow::askToSaveModified(const QString& title)
+{
+    if (!m_project->isModified())
+        return true;
+    switch (askQuestion(title, tr("Do you want to save the current project?"))) {
+    case QMessageBox::Yes:
+        return saveProjectInteractively(false);
+    case QMessageBox::No:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool MainWindow::saveProjectInteractively(bool askForName)
+{
+    const QString folder = !askForName && !m_project->fileName().isEmpty()
+        ? m_project->fileName()
+        : chooseOne(FileChoice::SaveFile, "saveMainDialogPath", tr("Save project as"), tr("project directory (*)"));
+    if (folder.isEmpty())
+        return false;
+    QString message;
+    if (!saveProject(folder, &message)) {
+        showMessage(tr("Save project"), message);
+        return false;
+    }
+    return true;
+}
+
+bool MainWindow::openProjectReportingErrors(const QString& folder)
+{
+    QString message;
+    const bool opened = openProject(folder, &message);
+    // A project that opened may still name items it could not read.
+    if (!message.isEmpty())
+        showMessage(tr("Open project"), message);
+    return opened;
+}
+
+void MainWindow::newProjectAsked()
+{
+    if (askToSaveModified(tr("New project")))
+        clearProject();
+}
+
+void MainWindow::openProjectAsked()
+{
+    if (!askToSaveModified(tr("Open project")))
+        return;
+    const QString folder = chooseOne(FileChoice::OpenFolder, "openMainDialogPath", tr("Open project"), QString());
+    if (!folder.isEmpty())
+        openProjectReportingErrors(folder);
+}
+
+void MainWindow::saveProjectAsked()
+{
+    saveProjectInteractively(false);
+}
+
+void MainWindow::saveProjectAsAsked()
+{
+    saveProjectInteractively(true);
+}
+
+void MainWindow::reopenLastProject()
+{
+    if (!m_lastProjectFilename.isEmpty() && askToSaveModified(tr("(Re-)open last project")))
+        openProjectReportingErrors(m_lastProjectFilename);
+}
+
+// ---- exports -------------------------------------------------------------------------------------------------
+
+void MainWindow::exportZMatrices()
+{
+    exportItems(ZMatrices);
+}
+
+void MainWindow::exportMasks()
+{
+    exportItems(Masks);
+}
+
+void MainWindow::exportPictures()
+{
+    exportItems(Pictures);
+}
+
+void MainWindow::exportItems(int kind)
+{
+    const QList<QSciImage*> items = selectedItems();
+    if (items.isEmpty())
+        return;
+    const QString titles[]
+        = { tr("Z-Matrices (text-files)"), tr("Masks (1,0 text-map)"), tr("Images without display elements as pngs") };
+    const QString folder = chooseOne(FileChoice::ChooseFolder, "exportPath", titles[kind], QString());
+    if (folder.isEmpty())
+        return;
+    const QString suffixes[] = { QStringLiteral(".txt"), QStringLiteral("_mask.txt"), QStringLiteral(".png") };
+    QSet<QString> used;
+    QStringList failures;
+    for (const QSciImage* item : items) {
+        const QString path = QDir(folder).filePath(uniqueFileName(item->name(), suffixes[kind], &used));
+        const QByteArray bytes = kind == ZMatrices ? TextMatrix::write(item->zData(), item->width(), item->height())
+            : kind == Masks ? TextMatrix::writeMask(item->maskData(), item->width(), item->height())
+                            : pngBytes(ItemRenderer::base(*item));
+        QString message;
+        if (!AtomicFile::write(path, bytes, &message))
+            failures.append(message);
+    }
+    if (!failures.isEmpty())
+        showMessage(titles[kind], failures.join(QLatin1Char('\n')));
+}
+
+void MainWindow::exportVisibleAreaPng()
+{
+    exportVisibleArea(AreaPng);
+}
+
+void MainWindow::exportVisibleAreaPdf()
+{
+    exportVisibleArea(AreaPdf);
+}
+
+void MainWindow::exportVisibleAreaPostScript()
+{
+    exportVisibleArea(AreaPostScript);
+}
+
+void MainWindow::exportVisibleArea(int kind)
+{
+    CollectionTabPage* page = m_central->currentPage();
+    if (!page)
+        return;
+    const QString titles[] = { tr(".png-file"), tr(".pdf-file"), tr("postscript(.ps)-file") };
+    const QString filters[]
+        = { tr("PNG image (*.png)"), tr("PDF document (*.pdf)"), tr("PostScript document (*.ps *.eps)") };
+    const QString suffixes[] = { QStringLiteral(".png"), QStringLiteral(".pdf"), QStringLiteral(".ps") };
+    QString path = chooseOne(FileChoice::SaveFile, "exportPath", titles[kind], filters[kind]);
+    if (path.isEmpty())
+        return;
+    if (kind != AreaPostScript || !path.endsWith(QLatin1String(".eps"), Qt::CaseInsensitive))
+        path = withSuffix(path, suffixes[kind]);
+
+    // One point of the page per screen pixel: the file shows what the window shows, at its size.
+    const QSize size = page->view()->viewport()->size();
+    QByteArray bytes;
+    if (kind == AreaPdf) {
+        QBuffer buffer(&bytes);
+        buffer.open(QIODevice::WriteOnly);
+        QPdfWriter writer(&buffer);
+        writer.setCreator(QStringLiteral("Velmora"));
+        writer.setResolution(72);
+        writer.setPageSize(QPageSize(QSizeF(size), QPageSize::Point, QString(), QPageSize::ExactMatch));
+        writer.setPageMargins(QMarginsF());
+        QPainter painter(&writer);
+        page->renderVisibleArea(&painter, QRectF(QPointF(), QSizeF(size)));
+    } else {
+        QImage image(size, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::white);
+        {
+            QPainter painter(&image);
+            page->renderVisibleArea(&painter, QRectF(image.rect()));
+        }
+        bytes = kind == AreaPng ? pngBytes(image) : PostScriptWriter::fromImage(image, QFileInfo(path).fileName());
+    }
+    QString message;
+    if (!AtomicFile::write(path, bytes, &message))
+        showMessage(titles[kind], message);
+}
+
+void MainWindow::printVisibleArea()
+{
+    CollectionTabPage* page = m_central->currentPage();
+    if (!page)
+        return;
+    QPrinter printer(QPrinter::HighResolution);
+    if (!choosePrinter(&printer))
+        return;
+    QPainter painter(&printer);
+    page->renderVisibleArea(&painter, QRectF(QPointF(), printer.pageRect(QPrinter::DevicePixel).size()));
+}
