@@ -113,7 +113,7 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("clear-objects"), simple(&ItemOperations::clearObjects) },
         { QStringLiteral("clear-mask"), simple(&ItemOperations::clearMask) },
         { QStringLiteral("mask-all"), simple(&ItemOperations::selectAllMask) },
-        { QStringLiteral("mask-none"), simple(&ItemOperations::clearMask) },
+        { QStringLiteral("mask-none"), simple(&ItemOperations::unselectAllMask) },
         { QStringLiteral("mask-invert"), simple(&ItemOperations::invertMask) },
         { QStringLiteral("mask-rect"), maskRect },
         { QStringLiteral("set-gradient"), setGradient },

@@ -34,6 +34,7 @@
 #include "formnewimage.h"
 #include "formrecalibratez.h"
 #include "gui/display/formchoosecolorgradient.h"
+#include "gui/tools/toolbox.h"
 #include "itemcontextmenu.h"
 #include "iteminfowidget.h"
 #include "mainactions.h"
@@ -135,6 +136,11 @@ void MainWindow::buildForm()
 
     m_toolsDock = new ToolsDock(this);
     addDockWidget(Qt::LeftDockWidgetArea, m_toolsDock);
+    m_toolBox = new ToolBox(m_toolsDock, this);
+    m_toolBox->setProject(m_project);
+    setToolMouseSink(m_toolBox);
+    connect(m_toolBox, &ToolBox::itemsMovableChanged, this, &MainWindow::setItemsMovable);
+    connect(m_toolBox, &ToolBox::outputRequested, this, &MainWindow::appendOutput);
     m_componentsDock = new ComponentsDock(this);
     addDockWidget(Qt::RightDockWidgetArea, m_componentsDock);
     m_componentsDock->setProject(m_project);

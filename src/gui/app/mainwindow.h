@@ -27,6 +27,7 @@ class QListWidgetItem;
 class QPrinter;
 class QSciImage;
 class QTimer;
+class ToolBox;
 class ToolMouseSink;
 class ToolsDock;
 class UndoRedoMenu;
@@ -65,6 +66,8 @@ public:
     void setToolMouseSink(ToolMouseSink* sink);
     /** Whether the default pointer may drag items, on every tab. */
     void setItemsMovable(bool movable);
+    /** The tools of the "Toolbox" dock; they take the tabs' mouse while one other than the pointer is chosen. */
+    ToolBox* toolBox() const { return m_toolBox; }
 
     /** Opens a native item file (or another format an importer reads) onto the current tab, or a project. */
     [[nodiscard]] bool openFile(const QString& path, QString* message);
@@ -242,6 +245,7 @@ private:
     MainToolBars* m_toolBars = nullptr;
     CentralArea* m_central = nullptr;
     ToolsDock* m_toolsDock = nullptr;
+    ToolBox* m_toolBox = nullptr;
     ComponentsDock* m_componentsDock = nullptr;
     DocumentsDock* m_documentsDock = nullptr;
     ItemContextMenu* m_contextMenu = nullptr;

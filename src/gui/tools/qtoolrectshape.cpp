@@ -1,0 +1,6 @@
+#include "qtoolrectshape.h"
+
+QToolRectShape::QToolRectShape(QWidget* parent)
+    : QToolShape(QStringLiteral("RECT_SHAPE"), PictureDraw::Shape::Rectangle, parent)
+{
+}
