@@ -1,3 +1,4 @@
+#include "../support/scopedsettings.h"
 #include <memory>
 
 #include <QAction>
@@ -64,22 +65,17 @@ class TestMainWindow : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_settings;
+    std::unique_ptr<ScopedSettings> m_settings;
 
 private slots:
     // Every test starts like a first start: an empty settings folder of its own.
     void init()
     {
-        m_settings = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<ScopedSettings>();
         QVERIFY(m_settings->isValid());
-        Options::initialize(m_settings->path());
     }
 
-    void cleanup()
-    {
-        Options::shutdown();
-        m_settings.reset();
-    }
+    void cleanup() { m_settings.reset(); }
 
     void firstStartShowsDefaults()
     {

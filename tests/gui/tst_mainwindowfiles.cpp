@@ -1,3 +1,4 @@
+#include "../support/scopedsettings.h"
 #include <memory>
 
 #include <QAction>
@@ -66,7 +67,7 @@ class TestMainWindowFiles : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_settings;
+    std::unique_ptr<ScopedSettings> m_settings;
     std::unique_ptr<QTemporaryDir> m_work;
 
     QString work(const QString& name) const { return m_work->filePath(name); }
@@ -85,15 +86,13 @@ private:
 private slots:
     void init()
     {
-        m_settings = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<ScopedSettings>();
         m_work = std::make_unique<QTemporaryDir>();
         QVERIFY(m_settings->isValid() && m_work->isValid());
-        Options::initialize(m_settings->path());
     }
 
     void cleanup()
     {
-        Options::shutdown();
         m_settings.reset();
         m_work.reset();
     }

@@ -1,3 +1,4 @@
+#include "../support/scopedsettings.h"
 #include <memory>
 
 #include <QAction>
@@ -114,7 +115,7 @@ class TestMainWindowItems : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_settings;
+    std::unique_ptr<ScopedSettings> m_settings;
 
     /** A window without the demo item, on a settings folder of its own. */
     std::unique_ptr<MainWindow> emptyWindow()
@@ -131,16 +132,11 @@ private:
 private slots:
     void init()
     {
-        m_settings = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<ScopedSettings>();
         QVERIFY(m_settings->isValid());
-        Options::initialize(m_settings->path());
     }
 
-    void cleanup()
-    {
-        Options::shutdown();
-        m_settings.reset();
-    }
+    void cleanup() { m_settings.reset(); }
 
     void firstStartShowsTheDemoItemOnce()
     {

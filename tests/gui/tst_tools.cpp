@@ -1,3 +1,4 @@
+#include "../support/scopedsettings.h"
 #include <memory>
 
 #include <QComboBox>
@@ -147,25 +148,16 @@ class TestTools : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_settings;
+    std::unique_ptr<ScopedSettings> m_settings;
 
 private slots:
     void init()
     {
-        m_settings = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<ScopedSettings>();
         QVERIFY(m_settings->isValid());
-        Options::initialize(m_settings->path());
-        HistoryLog::setQuiet(true);
-        QSciHistoryManager::instance()->reloadSettings();
-        QSciHistoryManager::instance()->setEnabled(true);
     }
 
-    void cleanup()
-    {
-        QSciHistoryManager::instance()->forget();
-        Options::shutdown();
-        m_settings.reset();
-    }
+    void cleanup() { m_settings.reset(); }
 
     void toolListHasTheFourHeadings()
     {
@@ -388,7 +380,6 @@ private slots:
         }
         QVERIFY(!Options::getString(QStringLiteral("MAGICWAND_SELECTION_ALL_SETTINGS"), QString()).isEmpty());
         Options::shutdown();
-        Options::initialize(m_settings->path());
 
         Bench bench;
         auto* wand = qobject_cast<QToolMagicWandSelection*>(bench.use("MAGICWAND_SELECTION"));

@@ -1,3 +1,4 @@
+#include "../support/scopedsettings.h"
 #include <memory>
 
 #include <QCheckBox>
@@ -54,25 +55,16 @@ class TestWorkbenchDialogs : public QObject {
     Q_OBJECT
 
 private:
-    std::unique_ptr<QTemporaryDir> m_settings;
+    std::unique_ptr<ScopedSettings> m_settings;
 
 private slots:
     void init()
     {
-        m_settings = std::make_unique<QTemporaryDir>();
+        m_settings = std::make_unique<ScopedSettings>();
         QVERIFY(m_settings->isValid());
-        Options::initialize(m_settings->path());
-        HistoryLog::setQuiet(true);
-        QSciHistoryManager::instance()->reloadSettings();
-        QSciHistoryManager::instance()->setEnabled(true);
     }
 
-    void cleanup()
-    {
-        QSciHistoryManager::instance()->forget();
-        Options::shutdown();
-        m_settings.reset();
-    }
+    void cleanup() { m_settings.reset(); }
 
     void newImageRemembersAcceptedValuesOnly()
     {

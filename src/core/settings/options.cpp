@@ -55,8 +55,9 @@ SettingsStore* pick(SettingsStore* store)
 {
     if (store)
         return store;
+    // After shutdown() the same folder opens again, as a restarted program would find it.
     if (!state().store)
-        Options::initialize();
+        Options::initialize(state().settingsDir);
     return state().store.get();
 }
 

@@ -17,6 +17,7 @@ public:
      * per-user INI settings file) and makes the working folders. Safe to call again to switch folders.
      */
     static void initialize(const QString& settingsDir = QString());
+    /** Closes the store; the next access opens the same folder again. */
     static void shutdown();
     static SettingsStore* defaultStore();
 
