@@ -1,9 +1,12 @@
 #include "compressedblock.h"
 
+#include "parallel.h"
+
 #include <QIODevice>
-#include <QtConcurrent/QtConcurrentMap>
 #include <climits>
 #include <cstring>
+#include <memory>
+#include <mutex>
 #include <vector>
 #include <zlib.h>
 
@@ -48,7 +51,7 @@ template <typename Item, typename Function> void runAll(QVector<Item>& items, qs
         for (Item& item : items)
             function(item);
     } else if (!items.isEmpty()) {
-        QtConcurrent::blockingMap(items, function);
+        Parallel::forEach(items.size(), [&items, &function](int i) { function(items[i]); });
     }
 }
 
@@ -99,9 +102,13 @@ void deflatePiece(DeflateTask& task, const char* input, int level)
 
 // ---- decompression -------------------------------------------------------------------------------
 
+/** Inflated bytes go to the sink in chunks of this size, small enough to be read back from the cache. */
+constexpr qsizetype SinkChunk = qsizetype(256) << 10;
+
 struct InflateTask {
+    enum Kind { Allocate = -2, Whole = -1 }; ///< or a piece number
     int job = 0;
-    int piece = -1; ///< -1: the whole stream in one go
+    int piece = Whole;
     const uchar* in = nullptr;
     qsizetype inLength = 0;
     qsizetype outOffset = 0;
@@ -111,23 +118,24 @@ struct InflateTask {
     uLong adler = 1;
 };
 
-/** Positions just behind every "00 00 FF FF" in [begin, end), at most @p limit + 1 of them. */
-QVector<qsizetype> findFlushPoints(const uchar* data, qsizetype begin, qsizetype end, int limit)
+/** Positions just behind every "00 00 FF FF" in [begin, end) whose first FF lies in [from, to). */
+QVector<qsizetype> flushPointsIn(const uchar* data, qsizetype begin, qsizetype end, qsizetype from, qsizetype to)
 {
     QVector<qsizetype> points;
-    const uchar* p = data + begin;
-    const uchar* stop = data + end;
+    const uchar* p = data + from;
+    const uchar* stop = data + to;
     while (p < stop) {
-        p = static_cast<const uchar*>(std::memchr(p, 0xFF, size_t(stop - p)));
-        if (!p)
-            break;
-        if (p + 1 < stop && p[1] == 0xFF && p - data >= begin + 2 && p[-1] == 0 && p[-2] == 0) {
-            const qsizetype at = (p + 2) - data;
-            if (at < end) {
-                points.append(at);
-                if (points.size() > limit)
-                    break;
-            }
+        // Bounded searches: checking builds (AddressSanitizer) validate the whole range of every call.
+        const uchar* window = p + qMin<qsizetype>(stop - p, 1 << 16);
+        const uchar* hit = static_cast<const uchar*>(std::memchr(p, 0xFF, size_t(window - p)));
+        if (!hit) {
+            p = window;
+            continue;
+        }
+        p = hit;
+        const qsizetype at = p - data;
+        if (at + 2 < end && p[1] == 0xFF && at >= begin + 2 && p[-1] == 0 && p[-2] == 0) {
+            points.append(at + 2);
             p += 2;
         } else {
             ++p;
@@ -136,72 +144,113 @@ QVector<qsizetype> findFlushPoints(const uchar* data, qsizetype begin, qsizetype
     return points;
 }
 
-/** One piece of a pieced stream, raw, into exactly its share of the destination. */
-bool inflatePiece(InflateTask& task, char* destination)
+/** Positions just behind every "00 00 FF FF" in [begin, end), scanned in parallel; empty beyond @p limit. */
+QVector<qsizetype> findFlushPoints(const uchar* data, qsizetype begin, qsizetype end, int limit)
+{
+    constexpr qsizetype Segment = qsizetype(4) << 20;
+    const int segments = int((end - begin + Segment - 1) / Segment);
+    QVector<QVector<qsizetype>> found(segments);
+    QVector<qsizetype>* out = found.data();
+    auto scan = [=](int i) {
+        const qsizetype from = begin + qsizetype(i) * Segment;
+        out[i] = flushPointsIn(data, begin, end, from, qMin(end, from + Segment));
+    };
+    if (segments > 1)
+        Parallel::forEach(segments, scan);
+    else if (segments == 1)
+        scan(0);
+    QVector<qsizetype> points;
+    for (const QVector<qsizetype>& part : qAsConst(found)) {
+        points += part;
+        if (points.size() > limit)
+            return {};
+    }
+    return points;
+}
+
+/**
+ * Inflates output bytes [offset, offset + length) into @p destination, or without one into a scratch buffer,
+ * a chunk at a time: each chunk goes to the sink and into @p adler while it is still in the cache.
+ * Returns the last result of inflate(); @p produced tells how many bytes came.
+ */
+int inflateRange(z_stream& stream, const CompressedBlock::Inflation& job, char* destination, qsizetype offset,
+    qsizetype length, uLong* adler, qsizetype* produced)
+{
+    thread_local std::vector<char> scratch;
+    // Without a sink the output goes in one call: each call ends by copying up to 32 KiB into zlib's window.
+    const qsizetype step = job.sink ? SinkChunk : length;
+    int result = Z_OK;
+    qsizetype done = 0;
+    while (done < length) {
+        const qsizetype chunk = qMin(step, length - done);
+        char* out = destination ? destination + offset + done : nullptr;
+        if (!out) {
+            scratch.resize(size_t(qMax(chunk, SinkChunk)));
+            out = scratch.data();
+        }
+        stream.next_out = reinterpret_cast<Bytef*>(out);
+        stream.avail_out = uInt(chunk);
+        result = inflate(&stream, Z_NO_FLUSH);
+        const qsizetype filled = chunk - qsizetype(stream.avail_out);
+        if (filled > 0) {
+            if (adler)
+                *adler = adler32_z(*adler, reinterpret_cast<const Bytef*>(out), size_t(filled));
+            if (job.sink)
+                job.sink(offset + done, out, filled);
+            done += filled;
+        }
+        if (result != Z_OK)
+            break; // the end, an error, or no progress for want of input
+    }
+    *produced = done;
+    return result;
+}
+
+/** With every expected byte out, lets inflate() read the rest of its input, which must give nothing more. */
+int drain(z_stream& stream)
+{
+    Bytef spare = 0;
+    stream.next_out = &spare;
+    stream.avail_out = 1;
+    const int result = inflate(&stream, Z_NO_FLUSH);
+    return stream.avail_out == 1 ? result : Z_DATA_ERROR;
+}
+
+/** One piece of a pieced stream, raw deflate, which must give exactly its share of the output. */
+bool inflatePiece(InflateTask& task, const CompressedBlock::Inflation& job, char* destination)
 {
     z_stream stream {};
     if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
         return false;
     stream.next_in = const_cast<Bytef*>(task.in);
     stream.avail_in = uInt(task.inLength);
-    Bytef* out = reinterpret_cast<Bytef*>(destination + task.outOffset);
-    stream.next_out = out;
-    stream.avail_out = uInt(task.outLength);
-    int result = inflate(&stream, Z_SYNC_FLUSH);
-    if (result >= 0 && result != Z_STREAM_END && stream.avail_out == 0 && stream.avail_in > 0) {
-        // The output is full; what is left must be the flush (or the end of the stream) and give nothing more.
-        Bytef spare = 0;
-        stream.next_out = &spare;
-        stream.avail_out = 1;
-        result = inflate(&stream, Z_SYNC_FLUSH);
-        if (stream.avail_out != 1)
-            result = Z_DATA_ERROR;
-    }
+    qsizetype produced = 0;
+    uLong adler = 1;
+    int result = inflateRange(stream, job, destination, task.outOffset, task.outLength, &adler, &produced);
+    if (produced == task.outLength && result == Z_OK)
+        result = drain(stream); // the flush that ends the piece, or the end of the stream
     const bool ended = result == Z_STREAM_END;
     const bool ok = (result == Z_OK || result == Z_BUF_ERROR || ended) && ended == task.last && stream.avail_in == 0
-        && stream.next_out != nullptr && qsizetype(stream.total_out) == task.outLength;
+        && produced == task.outLength;
     inflateEnd(&stream);
-    if (ok)
-        task.adler = adler32_z(1, out, size_t(task.outLength));
+    task.adler = adler;
     return ok;
 }
 
-/** A whole zlib stream in one go, told to the sink piece by piece as it fills the destination. */
-bool inflateStream(const CompressedBlock::Inflation& job)
+/** A whole zlib stream in one go; zlib checks the Adler-32 itself. */
+bool inflateStream(const CompressedBlock::Inflation& job, char* destination)
 {
     z_stream stream {};
     if (inflateInit(&stream) != Z_OK)
         return false;
     stream.next_in = const_cast<Bytef*>(reinterpret_cast<const Bytef*>(job.data + 4));
     stream.avail_in = uInt(job.size - 4);
-    Bytef spare = 0;
-    qsizetype done = 0;
-    int result = Z_OK;
-    while (result == Z_OK) {
-        const qsizetype chunk = qMin(PieceSize, job.destinationSize - done);
-        if (chunk > 0) {
-            stream.next_out = reinterpret_cast<Bytef*>(job.destination + done);
-            stream.avail_out = uInt(chunk);
-        } else {
-            // All bytes are there; only the end of the stream may follow.
-            stream.next_out = &spare;
-            stream.avail_out = 1;
-        }
-        result = inflate(&stream, Z_NO_FLUSH);
-        if (chunk <= 0) {
-            if (stream.avail_out != 1)
-                result = Z_DATA_ERROR;
-            break;
-        }
-        const qsizetype filled = chunk - qsizetype(stream.avail_out);
-        if (job.sink && filled > 0)
-            job.sink(done, filled);
-        done += filled;
-        if (result == Z_BUF_ERROR && filled > 0)
-            result = Z_OK;
-    }
+    qsizetype produced = 0;
+    int result = inflateRange(stream, job, destination, 0, job.destinationSize, nullptr, &produced);
+    if (produced == job.destinationSize && result == Z_OK)
+        result = drain(stream);
     inflateEnd(&stream);
-    return result == Z_STREAM_END && done == job.destinationSize;
+    return result == Z_STREAM_END && produced == job.destinationSize;
 }
 
 bool hasValidHeader(const uchar* stream)
@@ -324,9 +373,8 @@ bool CompressedBlock::isPlausible(qint64 stated, qsizetype compressedSize)
 
 void CompressedBlock::uncompressAll(QVector<Inflation>& jobs)
 {
-    QVector<InflateTask> tasks;
+    QVector<InflateTask> allocations, wholes, pieces;
     QVector<int> firstPiece(jobs.size(), -1);
-    QVector<InflateTask> pieces;
     qsizetype total = 0;
     for (int j = 0; j < jobs.size(); ++j) {
         Inflation& job = jobs[j];
@@ -334,7 +382,8 @@ void CompressedBlock::uncompressAll(QVector<Inflation>& jobs)
         total += job.destinationSize;
         const uchar* data = reinterpret_cast<const uchar*>(job.data);
         const qint64 stated = statedSize(job.data, job.size);
-        if (stated < 0 || stated != job.destinationSize || job.size > qsizetype(UINT_MAX))
+        if (stated < 0 || stated != job.destinationSize || job.size > qsizetype(UINT_MAX)
+            || (!job.destination && !job.allocate && !job.sink))
             continue;
         if (stated == 0 && job.size == 4) {
             job.ok = true;
@@ -342,13 +391,19 @@ void CompressedBlock::uncompressAll(QVector<Inflation>& jobs)
         }
         if (job.size < 10 || !hasValidHeader(data + 4) || !isPlausible(stated, job.size))
             continue;
+        if (!job.destination && job.allocate) {
+            InflateTask allocation;
+            allocation.job = j;
+            allocation.piece = InflateTask::Allocate;
+            allocations.append(allocation);
+        }
         InflateTask whole;
         whole.job = j;
         const int expected = pieceCount(stated);
         const QVector<qsizetype> points
             = expected > 1 ? findFlushPoints(data, 6, job.size - 4, expected - 1) : QVector<qsizetype>();
-        if (points.size() != expected - 1 || expected == 1) {
-            tasks.append(whole);
+        if (expected == 1 || points.size() != expected - 1) {
+            wholes.append(whole);
             continue;
         }
         firstPiece[j] = pieces.size();
@@ -366,32 +421,39 @@ void CompressedBlock::uncompressAll(QVector<Inflation>& jobs)
             pieces.append(task);
         }
     }
-    // Whole streams first: they are the longest tasks and overlap with the pieces of the others.
-    tasks += pieces;
-    auto run = [&jobs](InflateTask& task) {
-        const Inflation& job = jobs.at(task.job);
-        if (task.piece < 0) {
-            task.ok = inflateStream(job);
-            return;
-        }
-        task.ok = inflatePiece(task, job.destination);
-        if (task.ok && job.sink)
-            job.sink(task.outOffset, task.outLength);
+
+    // A job's own allocation runs as a task of its own, first, so that it overlaps with the other jobs' work;
+    // whoever needs the destination before it is done waits for it.
+    std::unique_ptr<std::once_flag[]> allocated(new std::once_flag[size_t(jobs.size())]);
+    auto destinationOf = [&jobs, &allocated](int j) {
+        Inflation& job = jobs[j];
+        if (!job.destination && job.allocate)
+            std::call_once(allocated[size_t(j)], [&job]() { job.destination = job.allocate(); });
+        return job.destination;
     };
+    auto run = [&jobs, &destinationOf](InflateTask& task) {
+        char* destination = destinationOf(task.job);
+        if (task.piece == InflateTask::Allocate)
+            task.ok = true;
+        else if (task.piece == InflateTask::Whole)
+            task.ok = inflateStream(jobs.at(task.job), destination);
+        else
+            task.ok = inflatePiece(task, jobs.at(task.job), destination);
+    };
+    // Whole streams before pieces: they are the longest tasks and overlap with the pieces of the others.
+    QVector<InflateTask> tasks = allocations + wholes + pieces;
     runAll(tasks, total, run);
 
+    const int pieceStart = allocations.size() + wholes.size();
+    for (int t = allocations.size(); t < pieceStart; ++t)
+        jobs[tasks.at(t).job].ok = tasks.at(t).ok;
     QVector<InflateTask> retries;
-    for (const InflateTask& task : qAsConst(tasks)) {
-        if (task.piece < 0)
-            jobs[task.job].ok = task.ok;
-    }
     for (int j = 0; j < jobs.size(); ++j) {
         if (firstPiece.at(j) < 0)
             continue;
-        const int begin = tasks.size() - pieces.size() + firstPiece.at(j);
         uLong adler = 1;
         bool ok = true;
-        for (int t = begin; t < tasks.size() && tasks.at(t).job == j; ++t) {
+        for (int t = pieceStart + firstPiece.at(j); t < tasks.size() && tasks.at(t).job == j; ++t) {
             ok = ok && tasks.at(t).ok;
             adler = adler32_combine(adler, tasks.at(t).adler, z_off_t(tasks.at(t).outLength));
         }

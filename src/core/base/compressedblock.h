@@ -36,10 +36,12 @@ public:
      */
     using Source = std::function<void(qsizetype offset, qsizetype length, char* out)>;
     /**
-     * Told on a worker thread that destination bytes [offset, offset + length) are inflated. They are not yet
-     * verified: the block is good only when the whole inflation reports success.
+     * Given, on a worker thread, inflated bytes [offset, offset + length) of a block at @p data (in the
+     * destination, or in a scratch buffer when there is none); the sink may change them. They are not yet
+     * verified: the block is good only when the whole inflation reports success. Calls for different ranges
+     * may come concurrently; a range may come again when a pieced stream has to be read once more in one go.
      */
-    using Sink = std::function<void(qsizetype offset, qsizetype length)>;
+    using Sink = std::function<void(qsizetype offset, char* data, qsizetype length)>;
 
     /** One payload to compress: either @p data or, when it is null, @p source provides the bytes. */
     struct Request {
@@ -49,13 +51,18 @@ public:
         Source source;
     };
 
-    /** One block to inflate into @p destination, which must hold exactly the stated size. */
+    /**
+     * One block to inflate. Its bytes go to @p destination, which must hold exactly the stated size; or, when
+     * that is null, to the buffer @p allocate returns (called once, on a worker thread, so that a large
+     * allocation overlaps with the other blocks' work); or, without either, only to the sink.
+     */
     struct Inflation {
         const char* data = nullptr;
         qsizetype size = 0;
         char* destination = nullptr;
         qsizetype destinationSize = 0;
         Sink sink;
+        std::function<char*()> allocate;
         bool ok = false; ///< set by uncompressAll()
     };
 

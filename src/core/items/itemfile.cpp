@@ -9,8 +9,10 @@
 #include <QFileInfo>
 #include <QHash>
 #include <QSaveFile>
+#include <QtConcurrent/QtConcurrentRun>
 #include <QtEndian>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -102,6 +104,35 @@ QString headerText(const QSciImage& item, const ItemFile::PartFlags& flags)
     return text;
 }
 
+/**
+ * Visits the points [first, end) of the file's column order as visit(x, y, index), in tiles of TileColumns
+ * columns by TileRows rows, a tile row at a time. The picture's rows lie a power of two apart in memory, and
+ * walking down a column would thrash the cache; the best tile shape depends on the direction of the copy.
+ */
+template <int TileColumns, int TileRows, typename Visit>
+void visitInTiles(qsizetype first, qsizetype end, int height, Visit visit)
+{
+    qsizetype i = first;
+    int x = int(i / height);
+    for (int y = int(i % height); y != 0 && y < height && i < end; ++y, ++i)
+        visit(x, y, i);
+    if (i % height == 0)
+        x = int(i / height);
+    const int fullEnd = int(end / height); // columns x .. fullEnd - 1 lie wholly in the range
+    for (int x0 = x; x0 < fullEnd; x0 += TileColumns) {
+        const int x1 = qMin(fullEnd, x0 + TileColumns);
+        for (int y0 = 0; y0 < height; y0 += TileRows) {
+            const int y1 = qMin(height, y0 + TileRows);
+            for (int y = y0; y < y1; ++y) {
+                for (int xx = x0; xx < x1; ++xx)
+                    visit(xx, y, qsizetype(xx) * height + y);
+            }
+        }
+    }
+    for (i = qMax(i, qsizetype(fullEnd) * height); i < end; ++i)
+        visit(int(i / height), int(i % height), i);
+}
+
 /** Lays out picture bytes [offset, offset + length) in file order: column by column, rows from the bottom. */
 void pictureBytes(const QImage& picture, qsizetype offset, qsizetype length, char* out)
 {
@@ -109,20 +140,29 @@ void pictureBytes(const QImage& picture, qsizetype offset, qsizetype length, cha
     const uchar* bits = picture.constBits();
     const qsizetype bpl = picture.bytesPerLine();
     const qsizetype first = offset / 4;
-    int x = int(first / h);
-    int y = int(first % h);
-    uchar* o = reinterpret_cast<uchar*>(out);
-    for (qsizetype i = 0; i < length / 4; ++i, o += 4) {
+    uchar* o = reinterpret_cast<uchar*>(out) - first * 4;
+    visitInTiles<8, 32>(first, (offset + length) / 4, h, [=](int x, int y, qsizetype i) {
         const QRgb c = reinterpret_cast<const QRgb*>(bits + (h - 1 - y) * bpl)[x];
-        o[0] = uchar(qRed(c));
-        o[1] = uchar(qGreen(c));
-        o[2] = uchar(qBlue(c));
-        o[3] = uchar(qAlpha(c));
-        if (++y == h) {
-            y = 0;
-            ++x;
-        }
-    }
+        uchar* p = o + i * 4;
+        p[0] = uchar(qRed(c));
+        p[1] = uchar(qGreen(c));
+        p[2] = uchar(qBlue(c));
+        p[3] = uchar(qAlpha(c));
+    });
+}
+
+/**
+ * Puts the file's picture bytes [offset, offset + length), given at @p data, into the picture. Chunks of an intact
+ * block hold whole points; a point cut by a chunk boundary can only come from a broken block, whose picture is
+ * dropped, and is left out.
+ */
+void picturePoints(const uchar* data, qsizetype offset, qsizetype length, uchar* bits, qsizetype bpl, int h)
+{
+    const uchar* base = data - offset; // byte i of the block, for i within the range
+    visitInTiles<16, 64>((offset + 3) / 4, (offset + length) / 4, h, [=](int x, int y, qsizetype i) {
+        const uchar* p = base + i * 4;
+        reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl)[x] = qRgba(p[0], p[1], p[2], p[3]);
+    });
 }
 
 // ---- reading -----------------------------------------------------------------------------------------
@@ -389,7 +429,6 @@ bool inflateContent(const ParsedFile& file, Content* content)
     const qint64 points = qint64(w) * h;
     const qint64 expected[4] = { 0, points, points * 4, points * 8 };
     QVector<CompressedBlock::Inflation> jobs;
-    QByteArray pictureBytes;
     for (int b = MaskBlock; b <= ZBlock; ++b) {
         const Block& block = file.blocks[b];
         if (!block.data || block.stated != expected[b])
@@ -400,43 +439,35 @@ bool inflateContent(const ParsedFile& file, Content* content)
         job.data = block.data;
         job.size = block.size;
         job.destinationSize = block.stated;
+        // The matrices are allocated (and zeroed, by QVector) on worker threads, alongside the other blocks.
         if (b == MaskBlock) {
-            content->mask.resize(int(points));
-            uchar* mask = content->mask.data();
-            job.destination = reinterpret_cast<char*>(mask);
-            job.sink = [mask](qsizetype offset, qsizetype length) {
-                for (uchar *p = mask + offset, *end = p + length; p < end; ++p)
+            job.allocate = [content, points]() {
+                content->mask.resize(int(points));
+                return reinterpret_cast<char*>(content->mask.data());
+            };
+            job.sink = [](qsizetype, char* data, qsizetype length) {
+                for (char *p = data, *end = data + length; p < end; ++p)
                     *p = *p ? 1 : 0;
             };
         } else if (b == PictureBlock) {
-            pictureBytes = QByteArray(int(block.stated), Qt::Uninitialized);
+            // No buffer for the file's bytes: each inflated chunk goes straight into the picture's rows.
             content->picture = QImage(w, h, QImage::Format_ARGB32);
             if (content->picture.isNull())
                 return false;
-            const uchar* in = reinterpret_cast<const uchar*>(pictureBytes.constData());
             uchar* bits = content->picture.bits();
             const qsizetype bpl = content->picture.bytesPerLine();
-            job.destination = pictureBytes.data();
-            job.sink = [in, bits, bpl, h](qsizetype offset, qsizetype length) {
-                // Every point whose last byte lies in the range; earlier bytes are in place by then.
-                const qsizetype first = offset / 4, end = (offset + length) / 4;
-                int x = int(first / h), y = int(first % h);
-                for (qsizetype i = first; i < end; ++i) {
-                    const uchar* p = in + i * 4;
-                    reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl)[x] = qRgba(p[0], p[1], p[2], p[3]);
-                    if (++y == h) {
-                        y = 0;
-                        ++x;
-                    }
-                }
+            job.sink = [bits, bpl, h](qsizetype offset, char* data, qsizetype length) {
+                picturePoints(reinterpret_cast<const uchar*>(data), offset, length, bits, bpl, h);
             };
         } else {
-            content->z.resize(int(points));
-            double* z = content->z.data();
-            job.destination = reinterpret_cast<char*>(z);
+            job.allocate = [content, points]() {
+                content->z.resize(int(points));
+                return reinterpret_cast<char*>(content->z.data());
+            };
             if (QSysInfo::ByteOrder == QSysInfo::BigEndian) {
-                job.sink = [z](qsizetype offset, qsizetype length) {
-                    for (qsizetype i = offset / 8; i < (offset + length) / 8; ++i)
+                job.sink = [](qsizetype, char* data, qsizetype length) {
+                    double* z = reinterpret_cast<double*>(data);
+                    for (qsizetype i = 0; i < length / 8; ++i)
                         z[i] = qFromLittleEndian(z[i]);
                 };
             }
@@ -646,8 +677,12 @@ bool ItemFile::load(QSciImage& item, const QString& path, bool setFileName, bool
             else
                 mask = QVector<uchar>(int(points), uchar(0));
         }
+        // The old matrices are let go on a worker: unmapping tens of megabytes need not hold up the caller.
+        auto old = std::make_shared<Content>(Content { item.maskMatrix(), item.picture(), item.zMatrix() });
         if (!item.setContent(picture, z, mask))
             qFatal("ItemFile: matrices of checked sizes refused");
+        if (qsizetype(old->z.size()) >= (qsizetype(1) << 20))
+            QtConcurrent::run([old = std::move(old)]() mutable { old.reset(); });
     }
     if (setFileName) {
         item.setFileName(path);

@@ -1,29 +1,28 @@
 #include "qsciimage.h"
 
+#include "core/base/parallel.h"
+
 #include <QColor>
-#include <QtConcurrent/QtConcurrentMap>
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <numeric>
 
 namespace {
 
 /** Below this many points the thread pool costs more than it saves. */
 constexpr qsizetype ParallelPoints = qsizetype(1) << 16;
-/** Column bands and row blocks of this size keep a transposing loop's writes within the L1 cache. */
-constexpr int Tile = 64;
+/** Columns per unit of parallel work in the loops over the picture. */
+constexpr int BandColumns = 64;
 
 template <typename Function> void forEachBand(int count, qsizetype points, Function function)
 {
     if (count <= 1 || points < ParallelPoints) {
+        Parallel::clearVectorState();
         for (int i = 0; i < count; ++i)
             function(i);
         return;
     }
-    QVector<int> bands(count);
-    std::iota(bands.begin(), bands.end(), 0);
-    QtConcurrent::blockingMap(bands, [&function](int band) { function(band); });
+    Parallel::forEach(count, function, Parallel::Schedule::Contiguous);
 }
 
 inline QRgb* pixelAt(uchar* bits, qsizetype bytesPerLine, int column, int row)
@@ -62,9 +61,9 @@ Matrices transformed(int width, int height, int newWidth, int newHeight, const Q
     uchar* maskOut = out.mask.data();
     uchar* picOut = out.picture.bits();
     const qsizetype bplOut = out.picture.bytesPerLine();
-    forEachBand((width + Tile - 1) / Tile, qsizetype(width) * height, [&](int band) {
-        const int x1 = qMin(width, (band + 1) * Tile);
-        for (int x = band * Tile; x < x1; ++x) {
+    forEachBand((width + BandColumns - 1) / BandColumns, qsizetype(width) * height, [=](int band) {
+        const int x1 = qMin(width, (band + 1) * BandColumns);
+        for (int x = band * BandColumns; x < x1; ++x) {
             for (int y = 0; y < height; ++y) {
                 const QPoint to = map(x, y);
                 const qsizetype from = qsizetype(x) * height + y;
@@ -76,6 +75,74 @@ Matrices transformed(int width, int height, int newWidth, int newHeight, const Q
         }
     });
     return out;
+}
+
+/**
+ * Colours columns [x0, x1) block by block: TileRows rows of all those columns, in tiles of 8 columns a picture
+ * row at a time. The picture's rows lie a power of two apart in memory, so a walk down a column would evict each
+ * row's cache line before its next pixel; this shape measured fastest for the transposing copy.
+ */
+void colorizeColumns(
+    const double* z, int h, double low, double range, const QRgb* ramp, uchar* bits, qsizetype bpl, int x0, int x1)
+{
+    constexpr int TileColumns = 8;
+    constexpr int TileRows = 64;
+    constexpr int top = ColorGradient::RampSize - 1;
+    for (int y0 = 0; y0 < h; y0 += TileRows) {
+        const int y1 = qMin(h, y0 + TileRows);
+        for (int tx = x0; tx < x1; tx += TileColumns) {
+            const int tx1 = qMin(x1, tx + TileColumns);
+            for (int y = y0; y < y1; ++y) {
+                QRgb* line = reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl);
+                const double* row = z + y;
+                for (int x = tx; x < tx1; ++x) {
+                    // ColorGradient::colorAt, inlined: the same expression, truncation and clamping.
+                    const double t = (row[qsizetype(x) * h] - low) / range * ColorGradient::RampSize;
+                    line[x] = ramp[t > 0 ? (t < top ? int(t) : top) : 0];
+                }
+            }
+        }
+    }
+}
+
+/** z of columns [x0, x1) from the picture's grey levels, blocked like colorizeColumns(). */
+void greyColumns(const uchar* bits, qsizetype bpl, int h, const double* levels, double* z, int x0, int x1)
+{
+    constexpr int TileColumns = 8;
+    constexpr int TileRows = 32;
+    for (int y0 = 0; y0 < h; y0 += TileRows) {
+        const int y1 = qMin(h, y0 + TileRows);
+        for (int tx = x0; tx < x1; tx += TileColumns) {
+            const int tx1 = qMin(x1, tx + TileColumns);
+            for (int y = y0; y < y1; ++y) {
+                const QRgb* line = reinterpret_cast<const QRgb*>(bits + (h - 1 - y) * bpl);
+                for (int x = tx; x < tx1; ++x)
+                    z[qsizetype(x) * h + y] = levels[qRed(line[x]) + qGreen(line[x]) + qBlue(line[x])];
+            }
+        }
+    }
+}
+
+/** Minimum and maximum of n values; a NaN never wins a comparison and so is skipped. */
+void minMax(const double* z, qsizetype n, double* low, double* high)
+{
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    double lo[4] = { inf, inf, inf, inf };
+    double hi[4] = { -inf, -inf, -inf, -inf };
+    qsizetype i = 0;
+    for (; i + 4 <= n; i += 4) {
+        for (int k = 0; k < 4; ++k) {
+            const double v = z[i + k];
+            lo[k] = v < lo[k] ? v : lo[k];
+            hi[k] = v > hi[k] ? v : hi[k];
+        }
+    }
+    for (; i < n; ++i) {
+        lo[0] = z[i] < lo[0] ? z[i] : lo[0];
+        hi[0] = z[i] > hi[0] ? z[i] : hi[0];
+    }
+    *low = std::min({ lo[0], lo[1], lo[2], lo[3] });
+    *high = std::max({ hi[0], hi[1], hi[2], hi[3] });
 }
 
 const QMap<QString, QString>& defaultDisplayElementMap()
@@ -224,27 +291,9 @@ void QSciImage::zRange(double* zMin, double* zMax) const
     QVector<double> lows(chunks), highs(chunks);
     double* lowOut = lows.data();
     double* highOut = highs.data();
-    forEachBand(chunks, n, [&](int c) {
-        // Four lanes for instruction-level parallelism; a NaN never wins a comparison and so is skipped.
-        constexpr double inf = std::numeric_limits<double>::infinity();
-        double lo[4] = { inf, inf, inf, inf };
-        double hi[4] = { -inf, -inf, -inf, -inf };
+    forEachBand(chunks, n, [=](int c) {
         const qsizetype begin = c * Chunk;
-        const qsizetype end = qMin(n, begin + Chunk);
-        qsizetype i = begin;
-        for (; i + 4 <= end; i += 4) {
-            for (int k = 0; k < 4; ++k) {
-                const double v = z[i + k];
-                lo[k] = v < lo[k] ? v : lo[k];
-                hi[k] = v > hi[k] ? v : hi[k];
-            }
-        }
-        for (; i < end; ++i) {
-            lo[0] = z[i] < lo[0] ? z[i] : lo[0];
-            hi[0] = z[i] > hi[0] ? z[i] : hi[0];
-        }
-        lowOut[c] = std::min({ lo[0], lo[1], lo[2], lo[3] });
-        highOut[c] = std::max({ hi[0], hi[1], hi[2], hi[3] });
+        minMax(z + begin, qMin(Chunk, n - begin), lowOut + c, highOut + c);
     });
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
@@ -523,7 +572,6 @@ void QSciImage::mapZToPicture()
     double range = high - low;
     if (range < 1e-200 && range > -1e-200)
         range = range < 0 ? -1e-200 : 1e-200;
-    constexpr int top = ColorGradient::RampSize - 1;
     const QRgb* ramp = m_gradient.rampData();
     if (m_picture.format() != QImage::Format_ARGB32)
         m_picture = m_picture.convertToFormat(QImage::Format_ARGB32);
@@ -531,21 +579,8 @@ void QSciImage::mapZToPicture()
     const qsizetype bpl = m_picture.bytesPerLine();
     const double* z = m_z.constData();
     const int w = m_width, h = m_height;
-    forEachBand((w + Tile - 1) / Tile, qsizetype(w) * h, [&](int band) {
-        const int x0 = band * Tile;
-        const int x1 = qMin(w, x0 + Tile);
-        for (int y0 = 0; y0 < h; y0 += Tile) {
-            const int y1 = qMin(h, y0 + Tile);
-            for (int x = x0; x < x1; ++x) {
-                const double* column = z + qsizetype(x) * h;
-                uchar* line = bits + (h - 1 - y0) * bpl + qsizetype(x) * 4;
-                for (int y = y0; y < y1; ++y, line -= bpl) {
-                    const double t = (column[y] - low) / range * ColorGradient::RampSize;
-                    const int index = t > 0 ? (t < top ? int(t) : top) : 0;
-                    *reinterpret_cast<QRgb*>(line) = ramp[index];
-                }
-            }
-        }
+    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h, [=](int band) {
+        colorizeColumns(z, h, low, range, ramp, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
     });
     notifyChanged(PicturePart);
 }
@@ -561,18 +596,8 @@ void QSciImage::mapPictureToZ()
     const qsizetype bpl = m_picture.bytesPerLine();
     double* z = m_z.data();
     const int w = m_width, h = m_height;
-    forEachBand((w + Tile - 1) / Tile, qsizetype(w) * h, [&](int band) {
-        const int x1 = qMin(w, (band + 1) * Tile);
-        for (int y0 = 0; y0 < h; y0 += Tile) {
-            const int y1 = qMin(h, y0 + Tile);
-            for (int x = band * Tile; x < x1; ++x) {
-                double* column = z + qsizetype(x) * h;
-                for (int y = y0; y < y1; ++y) {
-                    const QRgb c = *pixelAt(bits, bpl, x, h - 1 - y);
-                    column[y] = levels[qRed(c) + qGreen(c) + qBlue(c)];
-                }
-            }
-        }
+    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h, [=, &levels](int band) {
+        greyColumns(bits, bpl, h, levels, z, band * BandColumns, qMin(w, (band + 1) * BandColumns));
     });
     notifyChanged(ZPart);
 }
@@ -582,10 +607,11 @@ void QSciImage::recalibrateZ(double multiply, double add)
     constexpr qsizetype Chunk = qsizetype(1) << 18;
     const qsizetype n = m_z.size();
     double* z = m_z.data();
-    forEachBand(int((n + Chunk - 1) / Chunk), n, [&](int c) {
-        const qsizetype end = qMin(n, (c + 1) * Chunk);
-        for (qsizetype i = c * Chunk; i < end; ++i)
-            z[i] = z[i] * multiply + add;
+    forEachBand(int((n + Chunk - 1) / Chunk), n, [=](int c) {
+        double* p = z + c * Chunk;
+        const qsizetype count = qMin(Chunk, n - c * Chunk);
+        for (qsizetype i = 0; i < count; ++i)
+            p[i] = p[i] * multiply + add;
     });
     m_zCalibrateMultiply = multiply;
     m_zCalibrateAdd = add;

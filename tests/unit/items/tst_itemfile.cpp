@@ -48,7 +48,10 @@ QByteArray framed(const QList<QByteArray>& blocks)
     return file;
 }
 
-QByteArray headerBlock(const QString& text) { return qCompress(text.toUtf8()); }
+QByteArray headerBlock(const QString& text)
+{
+    return qCompress(text.toUtf8());
+}
 
 } // namespace
 
@@ -146,8 +149,7 @@ private slots:
         ItemFile::Info info;
         QVERIFY(ItemFile::readInfo(file, &info));
         QCOMPARE(info.blockSizes[1] + info.blockSizes[2] + info.blockSizes[3], qint64(-3));
-        QCOMPARE(qint64(readAll(file).size()),
-            QByteArray::number(info.blockSizes[0]).size() + 1 + info.blockSizes[0]);
+        QCOMPARE(qint64(readAll(file).size()), QByteArray::number(info.blockSizes[0]).size() + 1 + info.blockSizes[0]);
 
         auto target = sampleItem(5, 4, 2);
         const std::unique_ptr<QSciImage> before(target->duplicate());
@@ -189,11 +191,12 @@ private slots:
 
     void otherFormatsGoToTheImporters()
     {
-        ItemImporterRegistry::add({ QStringLiteral("test"), { QStringLiteral("xyz") },
-            [](QSciImage& item, const QString& path, QString*) {
-                return readAll(path) == "3x2" && item.setContent(QImage(3, 2, QImage::Format_ARGB32),
-                           QVector<double>(6, 1.0), QVector<uchar>(6, 0));
-            } });
+        ItemImporterRegistry::add(
+            { QStringLiteral("test"), { QStringLiteral("xyz") }, [](QSciImage& item, const QString& path, QString*) {
+                 return readAll(path) == "3x2"
+                     && item.setContent(
+                         QImage(3, 2, QImage::Format_ARGB32), QVector<double>(6, 1.0), QVector<uchar>(6, 0));
+             } });
         const QString file = path(QStringLiteral("scan.001.XYZ"));
         writeAll(file, "3x2");
         QVERIFY(ItemImporterRegistry::canRead(file));

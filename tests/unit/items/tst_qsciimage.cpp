@@ -72,7 +72,8 @@ private slots:
             expected = before.transformed(QTransform().rotate(degrees));
         }
         QCOMPARE(item->size(), size);
-        QCOMPARE(item->picture().convertToFormat(QImage::Format_ARGB32), expected.convertToFormat(QImage::Format_ARGB32));
+        QCOMPARE(
+            item->picture().convertToFormat(QImage::Format_ARGB32), expected.convertToFormat(QImage::Format_ARGB32));
         QVERIFY(matricesMoveTogether(*item));
         QVERIFY(item->objects().isEmpty());
         QCOMPARE(spy.count(), 1);
