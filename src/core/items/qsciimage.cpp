@@ -564,7 +564,7 @@ void QSciImage::setColorGradient(const ColorGradient& gradient)
 
 // ---- operations ------------------------------------------------------------------------------------------------
 
-void QSciImage::mapZToPicture()
+void QSciImage::renderZInto(QImage& image) const
 {
     double low, high;
     zRange(&low, &high);
@@ -573,15 +573,29 @@ void QSciImage::mapZToPicture()
     if (range < 1e-200 && range > -1e-200)
         range = range < 0 ? -1e-200 : 1e-200;
     const QRgb* ramp = m_gradient.rampData();
-    if (m_picture.format() != QImage::Format_ARGB32)
-        m_picture = m_picture.convertToFormat(QImage::Format_ARGB32);
-    uchar* bits = m_picture.bits();
-    const qsizetype bpl = m_picture.bytesPerLine();
+    if (image.size() != size() || image.format() != QImage::Format_ARGB32)
+        image = QImage(m_width, m_height, QImage::Format_ARGB32);
+    uchar* bits = image.bits();
+    const qsizetype bpl = image.bytesPerLine();
     const double* z = m_z.constData();
     const int w = m_width, h = m_height;
     forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h, [=](int band) {
         colorizeColumns(z, h, low, range, ramp, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
     });
+}
+
+QImage QSciImage::zPicture() const
+{
+    QImage image;
+    renderZInto(image);
+    return image;
+}
+
+void QSciImage::mapZToPicture()
+{
+    if (m_picture.format() != QImage::Format_ARGB32)
+        m_picture = m_picture.convertToFormat(QImage::Format_ARGB32);
+    renderZInto(m_picture);
     notifyChanged(PicturePart);
 }
 

@@ -192,6 +192,8 @@ public:
 
     // ---- operations (record the item in the history before calling) ---------------------------------
     /** Colours every point through the gradient between the matrix's own min and max (one min/max pass). */
+    /** The z-matrix through the gradient as mapZToPicture() would paint it, leaving the picture alone. */
+    QImage zPicture() const;
     void mapZToPicture();
     /** z = the gradient's inverse lookup of each picture point over 0..1. */
     void mapPictureToZ();
@@ -230,6 +232,8 @@ signals:
     void placeChanged();
 
 private:
+    /** Colours @p image (made W x H ARGB32 when it is not) from the z-matrix: one min/max pass, then the ramp. */
+    void renderZInto(QImage& image) const;
     void resetMatrices(int width, int height, const QColor& background);
     static quint64 nextSerial()
     {

@@ -7,38 +7,12 @@
 QImage ItemRenderer::base(const QSciImage& item)
 {
     if (item.drawZInSciPaint())
-        return zThroughGradient(item);
+        return item.zPicture();
     if (item.drawImageInSciPaint())
         return item.picture();
     QImage empty(item.width(), item.height(), QImage::Format_ARGB32);
     empty.fill(Qt::transparent);
     return empty;
-}
-
-QImage ItemRenderer::zThroughGradient(const QSciImage& item)
-{
-    const int w = item.width(), h = item.height();
-    QImage image(w, h, QImage::Format_ARGB32);
-    double low = 0, high = 0;
-    item.zRange(&low, &high);
-    const ColorGradient& gradient = item.colorGradient();
-    const double* z = item.zData();
-    uchar* bits = image.bits();
-    const qsizetype bpl = image.bytesPerLine();
-    // z runs down columns, the image along rows: square tiles keep both in the cache on large items.
-    constexpr int tile = 64;
-    for (int x0 = 0; x0 < w; x0 += tile) {
-        const int x1 = qMin(w, x0 + tile);
-        for (int y0 = 0; y0 < h; y0 += tile) {
-            const int y1 = qMin(h, y0 + tile);
-            for (int x = x0; x < x1; ++x) {
-                const double* column = z + qsizetype(x) * h;
-                for (int y = y0; y < y1; ++y)
-                    reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl)[x] = gradient.colorAt(column[y], low, high);
-            }
-        }
-    }
-    return image;
 }
 
 QImage ItemRenderer::maskOverlay(const QSciImage& item, QRgb color)

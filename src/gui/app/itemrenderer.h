@@ -13,8 +13,6 @@ class ItemRenderer final {
 public:
     /** What the view draws underneath everything else; a transparent image when the item draws neither. */
     static QImage base(const QSciImage& item);
-    /** The z-matrix through the item's gradient between the matrix's own minimum and maximum. */
-    static QImage zThroughGradient(const QSciImage& item);
     /** Selected mask points in @p color, everything else transparent; a null image when nothing is selected. */
     static QImage maskOverlay(const QSciImage& item, QRgb color);
     /** The border points of the visible objects in their border colours; a null image when none is visible. */
