@@ -115,6 +115,29 @@ private slots:
             QKeySequence(Qt::ALT | Qt::Key_I, Qt::ALT | Qt::Key_P));
     }
 
+    void brokenSettingsFileStillStartsWithDefaults()
+    {
+        const QString path = m_settings->filePath(QStringLiteral("settings.db"));
+        Options::shutdown();
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(QByteArray(8192, 'x'));
+        file.close();
+        Options::initialize(m_settings->path());
+
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QVERIFY(child<QDockWidget>(window, "dockTools")->isVisible());
+        QVERIFY(!child<QDockWidget>(window, "dockScripting")->isVisible());
+        QCOMPARE(child<QSpinBox>(window, "sbTableSizeRowCount")->value(), 100);
+        QVERIFY(child<QToolButton>(window, "pbHistoryOnOff")->isChecked());
+        window.close();
+        // Nothing of the user's file is replaced.
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), QByteArray(8192, 'x'));
+    }
+
     void settingsSurviveACancelledQuit()
     {
         ScriptedQuitWindow window;

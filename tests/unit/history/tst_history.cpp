@@ -199,7 +199,9 @@ private slots:
 
     void sizeCheckTrimsToNinetyPercent()
     {
-        history()->setMaximumSize(quint64(1) << 20);
+        Options::setInt(QStringLiteral("history.maxHistoryMB"), 1);
+        history()->reloadSettings();
+        QCOMPARE(history()->maximumSize(), quint64(1) << 20);
         QSciImage* big = makeItem(m_tab, QStringLiteral("big"), 512, 512, 0, 0, 9);
         QSciImage* small = m_tab->items().first();
         ItemOperations::apply(*m_project, { small }, QStringLiteral("small"), QSciImage::ZPart, [](QSciImage&) {});
@@ -215,6 +217,8 @@ private slots:
         QCOMPARE(history()->undoNames(), QStringList({ QStringLiteral("second") }));
         QVERIFY(history()->currentSize() <= quint64(0.9 * (3 << 20)));
         history()->forget();
+        Options::remove(QStringLiteral("history.maxHistoryMB"));
+        history()->reloadSettings();
     }
 
     void offRecordsNothing()
