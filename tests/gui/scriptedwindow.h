@@ -1,10 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
 #include <QDialog>
 #include <QStringList>
+#include <QtTest>
 
+#include "core/settings/options.h"
 #include "gui/app/mainwindow.h"
 
 /**
@@ -39,3 +42,15 @@ protected:
         return dialog->result();
     }
 };
+
+/** A shown window of type @p Window without the first-start demo item. */
+template <typename Window> std::unique_ptr<Window> shownWindowWithoutDemo(const QSize& size)
+{
+    Options::setBool(QStringLiteral("MainWindow.firstStartDone"), true);
+    auto window = std::make_unique<Window>();
+    window->resize(size);
+    window->show();
+    if (!QTest::qWaitForWindowExposed(window.get()))
+        qWarning("window not exposed");
+    return window;
+}

@@ -72,16 +72,7 @@ private:
 
     QString work(const QString& name) const { return m_work->filePath(name); }
 
-    std::unique_ptr<ScriptedWindow> window()
-    {
-        Options::setBool(QStringLiteral("MainWindow.firstStartDone"), true);
-        auto w = std::make_unique<ScriptedWindow>();
-        w->resize(800, 600);
-        w->show();
-        if (!QTest::qWaitForWindowExposed(w.get()))
-            qWarning("window not exposed");
-        return w;
-    }
+    std::unique_ptr<ScriptedWindow> window() { return shownWindowWithoutDemo<ScriptedWindow>(QSize(800, 600)); }
 
 private slots:
     void init()

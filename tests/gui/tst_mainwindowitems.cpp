@@ -1,3 +1,4 @@
+#include "scriptedwindow.h"
 #include "../support/scopedsettings.h"
 #include <memory>
 
@@ -118,16 +119,7 @@ private:
     std::unique_ptr<ScopedSettings> m_settings;
 
     /** A window without the demo item, on a settings folder of its own. */
-    std::unique_ptr<MainWindow> emptyWindow()
-    {
-        Options::setBool(QStringLiteral("MainWindow.firstStartDone"), true);
-        auto window = std::make_unique<MainWindow>();
-        window->resize(900, 600);
-        window->show();
-        if (!QTest::qWaitForWindowExposed(window.get()))
-            qWarning("window not exposed");
-        return window;
-    }
+    std::unique_ptr<MainWindow> emptyWindow() { return shownWindowWithoutDemo<MainWindow>(QSize(900, 600)); }
 
 private slots:
     void init()

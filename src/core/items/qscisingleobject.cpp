@@ -21,12 +21,12 @@ struct FieldSpec {
     Member member;
 };
 
-struct ChapterSpec {
+struct ChapterLayout {
     QString name;
     QVector<FieldSpec> fields;
 };
 
-struct PointListSpec {
+struct PointListLayout {
     QString name;
     QVector<QPoint> Object::*member;
 };
@@ -39,9 +39,9 @@ struct PointListSpec {
 #define VELMORA_ELEMENT(name) VELMORA_FIELD(name##Color), VELMORA_FIELD(name##Visible)
 
 // Every serialised scalar field, by chapter, in the order the record writes them.
-const QVector<ChapterSpec>& chapterSpecs()
+const QVector<ChapterLayout>& chapterSpecs()
 {
-    static const QVector<ChapterSpec> specs {
+    static const QVector<ChapterLayout> layouts {
         { QStringLiteral("firstChapter"),
             { VELMORA_FIELD(area), VELMORA_FIELD(areaPBM), VELMORA_FIELD(areaPM), VELMORA_FIELD(circumference),
                 VELMORA_FIELD(circumferencePBM), VELMORA_FIELD(circumferencePM), VELMORA_FIELD(compactnessPBM),
@@ -74,21 +74,21 @@ const QVector<ChapterSpec>& chapterSpecs()
                 VELMORA_FIELD(zMean), VELMORA_FIELD(borderZMin), VELMORA_FIELD(borderZMax), VELMORA_FIELD(borderZMean),
                 VELMORA_FIELD(borderZRange) } },
     };
-    return specs;
+    return layouts;
 }
 
 #undef VELMORA_ELEMENT
 #undef VELMORA_FIELD
 
-const QVector<PointListSpec>& pointListSpecs()
+const QVector<PointListLayout>& pointListSpecs()
 {
-    static const QVector<PointListSpec> specs {
+    static const QVector<PointListLayout> layouts {
         { QStringLiteral("borderPixels"), &Object::borderPixels },
         { QStringLiteral("fillPixels"), &Object::fillPixels },
         { QStringLiteral("skeletonPixels"), &Object::skeletonPixels },
         { QStringLiteral("skeletonLargestBranch"), &Object::skeletonLargestBranch },
     };
-    return specs;
+    return layouts;
 }
 
 void appendInt(QString& out, int value)
@@ -267,14 +267,14 @@ QString QSciSingleObject::toString() const
     writer.addField(QStringLiteral("type"), QStringLiteral("QSciSingleObject"));
     writer.addField(QStringLiteral("version"), QStringLiteral("1"));
     writer.endChapter();
-    for (const ChapterSpec& chapter : chapterSpecs()) {
+    for (const ChapterLayout& chapter : chapterSpecs()) {
         writer.beginChapter(chapter.name);
         for (const FieldSpec& field : chapter.fields)
             writer.addField(field.key, std::visit([this](auto member) { return format(this->*member); }, field.member));
         writer.endChapter();
     }
     writer.beginChapter(QStringLiteral("pixelSection"));
-    for (const PointListSpec& list : pointListSpecs())
+    for (const PointListLayout& list : pointListSpecs())
         writePointList(writer, list.name, this->*list.member);
     writer.endChapter();
     return writer.text();
@@ -288,7 +288,7 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
     const TaggedTextNode* header = ok ? root.chapter(QStringLiteral("header")) : nullptr;
     ok = header && header->field(QStringLiteral("type")) == QLatin1String("QSciSingleObject");
 
-    for (const ChapterSpec& chapter : chapterSpecs()) {
+    for (const ChapterLayout& chapter : chapterSpecs()) {
         const TaggedTextNode* node = ok ? root.chapter(chapter.name) : nullptr;
         if (!node)
             continue;
@@ -299,7 +299,7 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
         }
     }
     const TaggedTextNode* pixels = ok ? root.chapter(QStringLiteral("pixelSection")) : nullptr;
-    for (const PointListSpec& list : pointListSpecs()) {
+    for (const PointListLayout& list : pointListSpecs()) {
         if (pixels)
             ok = ok && readPointList(pixels->chapter(list.name), read.*list.member);
     }
@@ -317,13 +317,13 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
 
 bool QSciSingleObject::operator==(const QSciSingleObject& other) const
 {
-    for (const ChapterSpec& chapter : chapterSpecs()) {
+    for (const ChapterLayout& chapter : chapterSpecs()) {
         for (const FieldSpec& field : chapter.fields) {
             if (!std::visit([this, &other](auto member) { return this->*member == other.*member; }, field.member))
                 return false;
         }
     }
-    for (const PointListSpec& list : pointListSpecs()) {
+    for (const PointListLayout& list : pointListSpecs()) {
         if (this->*list.member != other.*list.member)
             return false;
     }
