@@ -36,7 +36,8 @@ struct HistoryBenchState {
     void commit()
     {
         OperationScope scope(project.get(), project->currentTab(), QStringLiteral("bench"));
-        scope.record(item, QSciImage::AllParts);
+        if (!scope.record(item, QSciImage::AllParts))
+            qFatal("history bench: the item could not be recorded");
         scope.commit();
     }
 };

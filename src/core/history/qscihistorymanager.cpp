@@ -8,8 +8,10 @@
 #include "core/base/messages.h"
 #include "core/settings/options.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QHash>
+#include <QLockFile>
 
 QSciHistoryManager* QSciHistoryManager::instance()
 {
@@ -36,7 +38,21 @@ quint64 QSciHistoryManager::currentSize() const
 void QSciHistoryManager::reloadSettings()
 {
     m_maximumSize = quint64(qMax(0, Options::getInt(QStringLiteral("history.maxHistoryMB"), 1024))) << 20;
-    m_directory = Options::historyDir();
+    const QString base = Options::historyDir();
+    if (m_lock && m_lockedFolder == base)
+        return;
+    // A second program on the same settings folder gets a folder of its own, so that neither reads or
+    // cleans away the other's files.
+    m_lock = std::make_unique<QLockFile>(base + QStringLiteral("history.lock"));
+    m_lock->setStaleLockTime(0);
+    if (m_lock->tryLock(0)) {
+        m_directory = base;
+    } else {
+        m_lock.reset();
+        m_directory = base + QStringLiteral("run-%1/").arg(QCoreApplication::applicationPid());
+        QDir().mkpath(m_directory);
+    }
+    m_lockedFolder = base;
 }
 
 void QSciHistoryManager::setEnabled(bool enabled)
@@ -58,10 +74,10 @@ void QSciHistoryManager::beginTransaction(const QString& name, QSciHistoryHost* 
     m_current = new QSciHistoryTransaction(name, host, tab);
 }
 
-void QSciHistoryManager::record(QSciImage* item, int mode, QSciImage::Parts parts)
+bool QSciHistoryManager::record(QSciImage* item, int mode, QSciImage::Parts parts)
 {
     if (!m_current || !item || (mode != QSciHistoryToken::Modified && !m_current->host()))
-        return;
+        return true;
     auto* token = new QSciHistoryToken(nextTag(), mode, item, parts, m_directory, &m_currentSize);
     if (mode != QSciHistoryToken::Modified) {
         token->tab = m_current->host()->historyTabOf(item);
@@ -69,18 +85,22 @@ void QSciHistoryManager::record(QSciImage* item, int mode, QSciImage::Parts part
     }
     // A created item is still there: it is saved only when an undo takes it away.
     if (mode != QSciHistoryToken::Created) {
-        token->save(token->tag());
         HistoryLog::line(QStringLiteral("Saving QSciImage %1 historytag %2 in %3")
                              .arg(HistoryLog::describe(item))
                              .arg(token->tag())
-                             .arg(token->fileName()));
+                             .arg(token->fileNameFor(token->tag())));
+        if (!token->save(token->tag())) {
+            delete token;
+            return false;
+        }
     }
     m_current->append(token);
+    return true;
 }
 
-void QSciHistoryManager::saveItem(QSciImage* item, QSciImage::Parts parts)
+bool QSciHistoryManager::saveItem(QSciImage* item, QSciImage::Parts parts)
 {
-    record(item, QSciHistoryToken::Modified, parts);
+    return record(item, QSciHistoryToken::Modified, parts);
 }
 
 void QSciHistoryManager::recordCreated(QSciImage* item)
@@ -88,9 +108,9 @@ void QSciHistoryManager::recordCreated(QSciImage* item)
     record(item, QSciHistoryToken::Created, QSciImage::AllParts);
 }
 
-void QSciHistoryManager::recordRemoval(QSciImage* item)
+bool QSciHistoryManager::recordRemoval(QSciImage* item)
 {
-    record(item, QSciHistoryToken::Removed, QSciImage::AllParts);
+    return record(item, QSciHistoryToken::Removed, QSciImage::AllParts);
 }
 
 void QSciHistoryManager::recordOrder(QObject* tab)
@@ -110,11 +130,17 @@ void QSciHistoryManager::commitTransaction()
     if (!m_current)
         return;
     HistoryLog::line(QStringLiteral("Commit Transaction"));
-    m_current->committed = true;
-    m_undo.append(m_current);
+    QSciHistoryTransaction* transaction = m_current;
     m_current = nullptr;
-    destroyTransactions(m_redo);
     m_mutex.unlock();
+    // A step that changed nothing is not worth an undo entry, nor the loss of the redo list.
+    if (transaction->tokens().isEmpty()) {
+        delete transaction;
+        return;
+    }
+    transaction->committed = true;
+    m_undo.append(transaction);
+    destroyTransactions(m_redo);
     sizeCheck();
 }
 
@@ -126,6 +152,15 @@ void QSciHistoryManager::cancelTransaction()
     delete m_current;
     m_current = nullptr;
     m_mutex.unlock();
+}
+
+void QSciHistoryManager::rollbackTransaction()
+{
+    if (!m_current)
+        return;
+    HistoryLog::line(QStringLiteral("Roll back transaction ") + m_current->name());
+    step(m_current, true);
+    cancelTransaction();
 }
 
 void QSciHistoryManager::destroyTransactions(QList<QSciHistoryTransaction*>& list)
@@ -156,9 +191,9 @@ bool QSciHistoryManager::undo(QString* message)
             *message = Messages::tr("Nothing to undo");
         return false;
     }
-    QSciHistoryTransaction* transaction = m_undo.takeLast();
+    QSciHistoryTransaction* transaction = m_undo.last();
     step(transaction, true);
-    m_redo.append(transaction);
+    m_redo.append(m_undo.takeLast());
     emit changed();
     return true;
 }
@@ -170,9 +205,9 @@ bool QSciHistoryManager::redo(QString* message)
             *message = Messages::tr("Nothing to redo");
         return false;
     }
-    QSciHistoryTransaction* transaction = m_redo.takeLast();
+    QSciHistoryTransaction* transaction = m_redo.last();
     step(transaction, false);
-    m_undo.append(transaction);
+    m_undo.append(m_redo.takeLast());
     emit changed();
     return true;
 }
@@ -187,7 +222,11 @@ void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo)
     const auto bringBack = [&](QSciHistoryToken* token) {
         const quint64 oldSerial = token->itemSerial();
         auto* item = new QSciImage();
-        token->restoreInto(item);
+        if (!token->restoreInto(item)) {
+            // The file stays: a later attempt may still read it; nothing half-made enters the tab.
+            delete item;
+            return;
+        }
         host->historyInsertItem(token->tab, item, token->index);
         HistoryLog::line(QStringLiteral("Created new QSciImage %1 in %2")
                              .arg(HistoryLog::describe(item))
@@ -201,8 +240,8 @@ void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo)
         if (!item)
             return;
         token->index = host->historyTabItems(host->historyTabOf(item)).indexOf(item);
-        token->save(nextTag());
-        host->historyDeleteItem(item);
+        if (token->save(nextTag()))
+            host->historyDeleteItem(item);
     };
 
     for (QSciHistoryToken* token : qAsConst(tokens)) {
@@ -268,7 +307,7 @@ void QSciHistoryManager::replaceReferences(quint64 oldSerial, QSciImage* replace
                 }
             } else if (token->itemSerial() == oldSerial && token->item() != replacement) {
                 HistoryLog::line(QStringLiteral("Fix, replacing reference to %1 history tag %2 with %3 in %4")
-                                     .arg(oldSerial)
+                                     .arg(token->itemText())
                                      .arg(token->tag())
                                      .arg(HistoryLog::describe(replacement), holder));
                 token->setItem(replacement);
@@ -280,6 +319,8 @@ void QSciHistoryManager::replaceReferences(quint64 oldSerial, QSciImage* replace
         fix(transaction, transaction->name());
     for (QSciHistoryTransaction* transaction : qAsConst(m_redo))
         fix(transaction, transaction->name());
+    if (m_current)
+        fix(m_current, m_current->name());
     if (host)
         host->historyItemReplaced(oldSerial, replacement);
 }

@@ -4,9 +4,11 @@
 
 #include <QList>
 #include <QMutex>
+#include <memory>
 #include <QObject>
 #include <QStringList>
 
+class QLockFile;
 class QSciHistoryHost;
 class QSciHistoryToken;
 class QSciHistoryTransaction;
@@ -36,16 +38,21 @@ public:
     QString currentTransactionName() const;
     /** Begins a transaction on @p tab of @p host; does nothing while history is off. */
     void beginTransaction(const QString& name, QSciHistoryHost* host, QObject* tab);
-    /** Records @p parts of @p item as they are now (mode 2); a second call for the same item adds parts. */
-    void saveItem(QSciImage* item, QSciImage::Parts parts);
+    /**
+     * Records @p parts of @p item as they are now (mode 2). False when the state could not be saved: the
+     * caller must not go on to change the item. Without a running transaction this is a success.
+     */
+    bool saveItem(QSciImage* item, QSciImage::Parts parts);
     /** @p item was just made by the running operation (mode 1). */
     void recordCreated(QSciImage* item);
-    /** @p item is about to be removed from its tab (mode 3). */
-    void recordRemoval(QSciImage* item);
+    /** @p item is about to be removed from its tab (mode 3); false when it could not be saved. */
+    bool recordRemoval(QSciImage* item);
     /** The stacking order of @p tab is about to change (mode 4). */
     void recordOrder(QObject* tab);
     void commitTransaction();
     void cancelTransaction();
+    /** Undoes what the running transaction recorded so far, then cancels it: items and lists as before. */
+    void rollbackTransaction();
 
     /** False with "Nothing to undo" when the undo list is empty. */
     bool undo(QString* message = nullptr);
@@ -66,7 +73,7 @@ private:
     ~QSciHistoryManager() override;
     quint32 nextTag() { return ++m_lastTag; }
     /** Makes the token of @p mode for @p item in the running transaction. */
-    void record(QSciImage* item, int mode, QSciImage::Parts parts);
+    bool record(QSciImage* item, int mode, QSciImage::Parts parts);
     void sizeCheck();
     void step(QSciHistoryTransaction* transaction, bool undo);
     void replaceReferences(quint64 oldSerial, QSciImage* replacement, QSciHistoryHost* host);
@@ -80,5 +87,7 @@ private:
     bool m_enabled = true;
     QString m_directory;
     quint32 m_lastTag = 0;
+    std::unique_ptr<QLockFile> m_lock;
+    QString m_lockedFolder;
     QMutex m_mutex;
 };

@@ -67,6 +67,8 @@ bool QSciHistoryToken::write(const QString& file)
     m_position = QPoint(m_item->left(), m_item->top());
     m_visible = m_item->isVisible();
     m_selected = m_item->isSelected();
+    m_creationTime = m_item->creationTime();
+    m_itemFileName = m_item->fileName();
     QString message;
     // The header always goes along: it carries the size the matrices are read back with.
     if (!ItemFile::save(*m_item, file, m_parts | QSciImage::HeaderPart, true, false, &message)) {
@@ -99,12 +101,19 @@ bool QSciHistoryToken::swap(quint32 newTag)
         return false;
     // The copy shares the item's matrices; reading the old file gives the item new ones, so the copy
     // keeps exactly the state that redo needs while it is written in the background.
-    m_present.reset(m_item->duplicate());
-    const std::shared_ptr<QSciImage> present = m_present;
+    std::shared_ptr<QSciImage> present(m_item->duplicate());
     present->setPosition(m_item->left(), m_item->top());
     present->setVisible(m_item->isVisible());
     present->setSelected(m_item->isSelected());
-    const bool restored = restoreInto(m_item);
+    // What the user chose since stays as it is: an undo brings back content and place, not the selection.
+    const bool selected = m_item->isSelected();
+    const int stackingPlace = m_item->zPosInImageList();
+    const QString tabText = m_item->tabText();
+    if (!restoreInto(m_item))
+        return false; // the old file stays for another attempt
+    m_item->setSelected(selected);
+    m_item->setZPosInImageList(stackingPlace);
+    m_item->setTabText(tabText);
     QFile::remove(m_file);
     *m_heldBytes -= qMin(*m_heldBytes, m_size);
     m_size = 0;
@@ -113,12 +122,14 @@ bool QSciHistoryToken::swap(quint32 newTag)
     m_position = QPoint(present->left(), present->top());
     m_visible = present->isVisible();
     m_selected = present->isSelected();
+    m_present = present;
+    const QSciImage* source = present.get(); // only m_present owns it: it is released on this thread
     const QString file = m_file;
     const QSciImage::Parts parts = m_parts | QSciImage::HeaderPart;
     m_pending = QtConcurrent::run(
-        writerPool(), [present, file, parts]() { return ItemFile::write(*present, file, parts, true, nullptr); });
+        writerPool(), [source, file, parts]() { return ItemFile::write(*source, file, parts, true, nullptr); });
     pendingTokens().insert(this);
-    return restored;
+    return true;
 }
 
 void QSciHistoryToken::settle()
@@ -156,6 +167,9 @@ bool QSciHistoryToken::restoreInto(QSciImage* into) const
     into->setPosition(m_position.x(), m_position.y());
     into->setVisible(m_visible);
     into->setSelected(m_selected);
+    if (m_creationTime.isValid())
+        into->setCreationTime(m_creationTime);
+    into->setFileName(m_itemFileName);
     return true;
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/items/qsciimage.h"
 
+#include <QDateTime>
 #include <QFuture>
 #include <QList>
 #include <QPoint>
@@ -40,6 +41,10 @@ public:
     quint64 itemSerial() const { return m_serial; }
     void setItem(QSciImage* item);
     QSciImage::Parts parts() const { return m_parts; }
+    /** How the log names the item the token was made for. */
+    QString itemText() const { return m_itemText; }
+    /** The file a save under @p tag writes. */
+    QString fileNameFor(quint32 tag) const { return fileFor(tag); }
     QString fileName() const { return m_file; }
     quint64 fileSize() const { return m_size; }
 
@@ -58,7 +63,7 @@ public:
     /** Deletes the file and gives its bytes back. */
     void dropFile();
 
-    QObject* tab = nullptr; ///< modes 1, 3, 4: the tab of the item or order
+    QPointer<QObject> tab; ///< modes 1, 3, 4: the tab of the item or order
     int index = -1; ///< modes 1, 3: place in the stacking order
     QList<quint64> order; ///< mode 4: serials in the stacking order to go to
 
@@ -81,6 +86,8 @@ private:
     QPoint m_position;
     bool m_visible = true;
     bool m_selected = false;
+    QDateTime m_creationTime; ///< the file keeps neither, and sorting by creation time needs it
+    QString m_itemFileName;
     QFuture<bool> m_pending;
     std::shared_ptr<QSciImage> m_present; ///< released on this thread once the background save ended
 };

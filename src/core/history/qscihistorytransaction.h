@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QPointer>
 #include <QString>
 
 class QObject;
@@ -21,7 +22,7 @@ public:
 
     QString name() const { return m_name; }
     QSciHistoryHost* host() const { return m_host; }
-    QObject* tab() const { return m_tab; }
+    QObject* tab() const { return m_tab.data(); }
     const QList<QSciHistoryToken*>& tokens() const { return m_tokens; }
     void append(QSciHistoryToken* token) { m_tokens.append(token); }
     /** The token of @p item with @p mode, if one was made already. */
@@ -37,7 +38,7 @@ public:
 private:
     QString m_name;
     QSciHistoryHost* m_host;
-    QObject* m_tab;
+    QPointer<QObject> m_tab;
     QList<QSciHistoryToken*> m_tokens;
     QList<quint64> m_orderAtBegin;
 };

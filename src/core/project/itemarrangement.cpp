@@ -258,7 +258,8 @@ void ItemArrangement::remove(Project& project, const QList<QSciImage*>& items, c
         CollectionTab* tab = project.tabOf(item);
         if (!tab)
             continue;
-        scope.recordRemoval(item);
+        if (!scope.recordRemoval(item))
+            return scope.rollback(); // an item that could not be saved is not deleted
         delete tab->takeItem(item);
     }
     scope.commit();
@@ -273,7 +274,8 @@ void ItemArrangement::moveToTab(Project& project, const QList<QSciImage*>& items
         CollectionTab* tab = project.tabOf(item);
         if (!tab || tab == target)
             continue;
-        scope.recordRemoval(item);
+        if (!scope.recordRemoval(item))
+            return scope.rollback();
         target->addItem(tab->takeItem(item));
         scope.recordCreated(item);
     }

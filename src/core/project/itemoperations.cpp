@@ -60,7 +60,8 @@ void ItemOperations::apply(Project& project, const QList<QSciImage*>& items, con
         return;
     OperationScope scope(&project, tabFor(project, items), name);
     for (QSciImage* item : items) {
-        scope.record(item, parts);
+        if (!scope.record(item, parts))
+            return scope.rollback(); // without a saved state the change could not be undone
         change(*item);
     }
     scope.commit();
@@ -74,9 +75,10 @@ void ItemOperations::mapZToPicture(Project& project, const QList<QSciImage*>& it
     OperationScope scope(&project, tabFor(project, items), tr("Map z-matrix to picture"));
     sink.begin(tr("Map z-matrix to picture"), items.size());
     for (int i = 0; i < items.size(); ++i) {
-        if (sink.isCancelled())
-            break;
-        scope.record(items.at(i), QSciImage::PicturePart);
+        if (sink.isCancelled() || !scope.record(items.at(i), QSciImage::PicturePart)) {
+            sink.end();
+            return scope.rollback();
+        }
         items.at(i)->mapZToPicture();
         sink.step(i + 1);
     }
@@ -189,7 +191,11 @@ bool ItemOperations::cutToOverlap(
     sink.begin(tr("Cut to overlap"), items.size());
     for (int i = 0; i < items.size(); ++i) {
         QSciImage* item = items.at(i);
-        scope.record(item, QSciImage::AllParts | QSciImage::PositionPart);
+        if (!scope.record(item, QSciImage::AllParts | QSciImage::PositionPart)) {
+            sink.end();
+            scope.rollback();
+            return false;
+        }
         item->resizeToRect(overlap.translated(-item->left(), -item->top()), 0.0);
         item->setPosition(overlap.left(), overlap.top());
         sink.step(i + 1);
@@ -212,7 +218,10 @@ void ItemOperations::expandToBorder(
     sink.begin(tr("Expand to border"), items.size());
     for (int i = 0; i < items.size(); ++i) {
         QSciImage* item = items.at(i);
-        scope.record(item, QSciImage::AllParts | QSciImage::PositionPart);
+        if (!scope.record(item, QSciImage::AllParts | QSciImage::PositionPart)) {
+            sink.end();
+            return scope.rollback();
+        }
         const double fill = fillWithMax ? item->zMax() : item->zMin();
         item->resizeToRect(border.translated(-item->left(), -item->top()), fill);
         item->setPosition(border.left(), border.top());
@@ -256,7 +265,7 @@ QSciImage* ItemOperations::merge(
     merged->setOpacity(first->opacity());
     std::fill(merged->zData(), merged->zData() + qsizetype(border.width()) * border.height(), fill);
 
-    const int W = border.width(), H = border.height();
+    const int H = border.height();
     double* z = merged->zData();
     uchar* mask = merged->maskData();
     QImage& picture = merged->pictureRef();

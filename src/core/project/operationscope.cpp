@@ -24,9 +24,9 @@ OperationScope::~OperationScope()
         cancel();
 }
 
-void OperationScope::record(QSciImage* item, QSciImage::Parts parts)
+bool OperationScope::record(QSciImage* item, QSciImage::Parts parts)
 {
-    QSciHistoryManager::instance()->saveItem(item, parts);
+    return QSciHistoryManager::instance()->saveItem(item, parts);
 }
 
 void OperationScope::recordCreated(QSciImage* item)
@@ -34,9 +34,9 @@ void OperationScope::recordCreated(QSciImage* item)
     QSciHistoryManager::instance()->recordCreated(item);
 }
 
-void OperationScope::recordRemoval(QSciImage* item)
+bool OperationScope::recordRemoval(QSciImage* item)
 {
-    QSciHistoryManager::instance()->recordRemoval(item);
+    return QSciHistoryManager::instance()->recordRemoval(item);
 }
 
 void OperationScope::recordOrder(CollectionTab* tab)
@@ -62,4 +62,13 @@ void OperationScope::cancel()
     m_open = false;
     if (m_owns)
         QSciHistoryManager::instance()->cancelTransaction();
+}
+
+void OperationScope::rollback()
+{
+    if (!m_open)
+        return;
+    m_open = false;
+    if (m_owns)
+        QSciHistoryManager::instance()->rollbackTransaction();
 }

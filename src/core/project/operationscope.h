@@ -20,16 +20,18 @@ public:
     OperationScope& operator=(const OperationScope&) = delete;
 
     QString name() const { return m_name; }
-    /** Saves @p parts of @p item as they are now. */
-    void record(QSciImage* item, QSciImage::Parts parts);
+    /** Saves @p parts of @p item as they are now; false when that failed and the item must not change. */
+    [[nodiscard]] bool record(QSciImage* item, QSciImage::Parts parts);
     /** @p item was just made by the operation; undo removes it again. */
     void recordCreated(QSciImage* item);
-    /** @p item is about to leave its tab (deleted or moved); undo puts it back in its place. */
-    void recordRemoval(QSciImage* item);
+    /** @p item is about to leave its tab (deleted or moved); undo puts it back. False: it must stay. */
+    [[nodiscard]] bool recordRemoval(QSciImage* item);
     /** The stacking order of @p tab is about to change. */
     void recordOrder(CollectionTab* tab);
     void commit();
     void cancel();
+    /** Takes back what was changed so far and cancels: a cancelled operation leaves no trace. */
+    void rollback();
 
 private:
     Project* m_project;

@@ -1,3 +1,4 @@
+#include "core/base/progresssink.h"
 #include "core/display/colorgradient.h"
 #include "core/history/historylog.h"
 #include "core/history/qscihistorymanager.h"
@@ -11,6 +12,7 @@
 #include "core/settings/options.h"
 
 #include <QDir>
+#include <QLockFile>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -236,8 +238,8 @@ private slots:
         const Snapshot before = snapshot(m_tab);
         {
             OperationScope scope(m_project.get(), m_tab, QStringLiteral("never committed"));
-            scope.record(m_tab->items().first(), QSciImage::AllParts);
-            scope.recordRemoval(m_tab->items().last());
+            QVERIFY(scope.record(m_tab->items().first(), QSciImage::AllParts));
+            QVERIFY(scope.recordRemoval(m_tab->items().last()));
             QVERIFY(!historyFiles().isEmpty());
         }
         QVERIFY(historyFiles().isEmpty());
@@ -257,10 +259,83 @@ private slots:
         }
         history()->cleanDirectory();
         QStringList left = dir.entryList(QDir::Files);
+        left.removeAll(QStringLiteral("history.lock"));
         left.sort();
         QCOMPARE(left, QStringList({ "notes.txt", "stale.TMP.img.velm.keep", "x.img.velm" }));
         for (const QString& name : left)
             dir.remove(name);
+    }
+
+    void cancelledOperationLeavesItemsAndHistoryAsBefore()
+    {
+        struct CancelAfterFirst final : ProgressSink {
+            int done = 0;
+            void begin(const QString&, int) override { }
+            void step(int d) override { done = d; }
+            void end() override { }
+            bool isCancelled() const override { return done >= 1; }
+        } sink;
+        const Snapshot before = snapshot(m_tab);
+        for (QSciImage* item : m_tab->items())
+            item->setColorGradient(ColorGradient::builtIn(13));
+        ItemOperations::mapZToPicture(*m_project, m_tab->items(), &sink);
+        QCOMPARE(sink.done, 1);
+        QCOMPARE(history()->undoNames(), QStringList());
+        QString why;
+        for (int i = 0; i < before.copies.size(); ++i)
+            QVERIFY2(before.copies.at(i)->picture() == m_tab->items().at(i)->picture(), "picture changed");
+        QVERIFY(historyFiles().isEmpty());
+        qDeleteAll(before.copies);
+    }
+
+    void undoKeepsTheSelectionTheUserMadeSince()
+    {
+        QSciImage* a = m_tab->items().first();
+        ItemOperations::flipHorizontal(*m_project, { a });
+        a->setSelected(false);
+        QVERIFY(history()->undo());
+        QVERIFY(!a->isSelected());
+        QVERIFY(history()->redo());
+        QVERIFY(!a->isSelected());
+    }
+
+    void stepsThatChangeNothingKeepTheRedoList()
+    {
+        ItemOperations::flipVertical(*m_project, { m_tab->items().first() });
+        QVERIFY(history()->undo());
+        ItemArrangement::moveToTab(*m_project, { m_tab->items().first() }, m_tab); // already there
+        QCOMPARE(history()->redoNames().size(), 1);
+        QCOMPARE(history()->undoNames().size(), 0);
+    }
+
+    void laterStepsReachAnItemMovedBackAndForth()
+    {
+        CollectionTab* other = m_project->addTab();
+        QSciImage* a = m_tab->items().first();
+        ItemArrangement::moveToTab(*m_project, { a }, other);
+        ItemOperations::clearMask(*m_project, { other->items().first() });
+        QVERIFY(history()->undo());
+        QVERIFY(history()->undo());
+        QCOMPARE(other->count(), 0);
+        QVERIFY(m_tab->items().first()->maskSelectedCount() > 0);
+        QVERIFY(history()->redo());
+        QVERIFY(history()->redo());
+        QCOMPARE(other->count(), 1);
+        QCOMPARE(other->items().first()->maskSelectedCount(), qsizetype(0));
+    }
+
+    void secondProgramOnTheSameFolderWritesElsewhere()
+    {
+        QTemporaryDir settings;
+        Options::initialize(settings.path());
+        QLockFile other(Options::historyDir() + QStringLiteral("history.lock"));
+        QVERIFY(other.tryLock(0));
+        history()->reloadSettings();
+        QVERIFY(history()->directory().startsWith(Options::historyDir() + QStringLiteral("run-")));
+        other.unlock();
+        Options::initialize(m_dir.path());
+        history()->reloadSettings();
+        QCOMPARE(history()->directory(), Options::historyDir());
     }
 
     void undoAcrossDeleteAndLaterChange()
