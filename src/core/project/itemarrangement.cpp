@@ -281,3 +281,22 @@ void ItemArrangement::moveToTab(Project& project, const QList<QSciImage*>& items
     }
     scope.commit();
 }
+
+void ItemArrangement::addNew(Project& project, CollectionTab* tab, QSciImage* item, const QString& name)
+{
+    constexpr int gap = 10; // room between the new item and those already there
+    QRect occupied;
+    bool overlaps = false;
+    for (const QSciImage* other : tab->items()) {
+        occupied |= other->tabRect();
+        overlaps = overlaps || other->tabRect().intersects(item->tabRect());
+    }
+    if (overlaps)
+        item->setPosition(occupied.right() + 1 + gap, occupied.top());
+    item->setSelected(false);
+    item->setVisible(true);
+    OperationScope scope(&project, tab, name);
+    tab->addItem(item);
+    scope.recordCreated(item);
+    scope.commit();
+}

@@ -40,6 +40,11 @@ public:
     /** Deletes the items in a transaction named @p name ("Delete" when empty); undo brings them back. */
     static void remove(Project& project, const QList<QSciImage*>& items, const QString& name = QString());
     static void moveToTab(Project& project, const QList<QSciImage*>& items, CollectionTab* target);
+    /**
+     * Puts a new item (opened, made or imported) on @p tab in a transaction named @p name. It keeps the place
+     * it has unless that would hide items already there; then it goes to their right.
+     */
+    static void addNew(Project& project, CollectionTab* tab, QSciImage* item, const QString& name);
 
 private:
     /** Reorders within each tab: the items keep the slots they hold, filled in @p ordered order. */

@@ -20,12 +20,13 @@ namespace {
 
 const QString formatTag = QStringLiteral("VelmoraProject");
 
-QString itemFileName(int tab, int index, const QString& name)
+/** Each save writes new names, so a save that fails half-way leaves the last manifest's files intact. */
+QString itemFileName(int generation, int tab, int index, const QString& name)
 {
     static const QRegularExpression unsafe(QStringLiteral("[^A-Za-z0-9._-]+"));
     QString safe = name;
     safe.replace(unsafe, QStringLiteral("_"));
-    return QStringLiteral("t%1_i%2_%3.img.velm").arg(tab).arg(index).arg(safe.left(60));
+    return QStringLiteral("t%1_i%2_%3.g%4.img.velm").arg(tab).arg(index).arg(safe.left(60)).arg(generation);
 }
 
 QStringList manifestItemFiles(const QString& manifest)
@@ -62,13 +63,22 @@ bool ProjectFile::save(Project& project, const QString& folder, ProgressSink* pr
         return false;
     }
     QFile old(dir.filePath(manifestName()));
-    const QStringList oldFiles
-        = old.open(QIODevice::ReadOnly) ? manifestItemFiles(QString::fromUtf8(old.readAll())) : QStringList();
+    const QString oldManifest = old.open(QIODevice::ReadOnly) ? QString::fromUtf8(old.readAll()) : QString();
     old.close();
+    const QStringList oldFiles = manifestItemFiles(oldManifest);
+    int generation = 0;
+    {
+        TokenReader reader(oldManifest);
+        if (reader.next() == formatTag) {
+            reader.next(); // format number
+            generation = reader.next().toInt() + 1;
+        }
+    }
 
     QString manifest;
     TokenCodec::append(manifest, formatTag);
     TokenCodec::append(manifest, QStringLiteral("1"));
+    TokenCodec::append(manifest, QString::number(generation));
     TokenCodec::append(manifest, QString::number(project.tabs().size()));
     TokenCodec::append(manifest, QString::number(project.currentIndex()));
     QSet<QString> written;
@@ -81,9 +91,11 @@ bool ProjectFile::save(Project& project, const QString& folder, ProgressSink* pr
         TokenCodec::append(manifest, QString::number(tab->count()));
         for (int i = 0; i < tab->count(); ++i) {
             QSciImage* item = tab->items().at(i);
-            const QString file = itemFileName(t, i, item->name());
-            if (!ItemFile::save(*item, dir.filePath(file), QSciImage::AllParts, false, true, message)) {
+            const QString file = itemFileName(generation, t, i, item->name());
+            if (!ItemFile::write(*item, dir.filePath(file), QSciImage::AllParts, false, message)) {
                 sink.end();
+                for (const QString& done : qAsConst(written))
+                    dir.remove(done);
                 return false;
             }
             written.insert(file);
@@ -95,8 +107,13 @@ bool ProjectFile::save(Project& project, const QString& folder, ProgressSink* pr
         }
     }
     sink.end();
-    if (!AtomicFile::write(dir.filePath(manifestName()), manifest.toUtf8(), message))
+    if (!AtomicFile::write(dir.filePath(manifestName()), manifest.toUtf8(), message)) {
+        for (const QString& done : qAsConst(written))
+            dir.remove(done);
         return false;
+    }
+    for (QSciImage* item : all)
+        item->setSaved(true);
     // Files of the previous save that this one no longer lists.
     for (const QString& file : oldFiles) {
         if (!written.contains(file) && !file.contains(QLatin1Char('/')))
@@ -124,11 +141,13 @@ bool ProjectFile::load(Project& project, const QString& folder, ProgressSink* pr
     }
     const QString manifest = QString::fromUtf8(file.readAll());
     TokenReader reader(manifest);
-    bool ok = reader.next() == formatTag;
+    const bool tagged = reader.next() == formatTag;
     reader.next(); // format number
+    reader.next(); // generation of the file names
+    bool ok = false;
     const int tabCount = reader.next().toInt(&ok);
     const int current = reader.next().toInt();
-    if (!ok || tabCount < 0) {
+    if (!tagged || !ok || tabCount < 0) {
         *message = Messages::unableToReadFromFile(path);
         return false;
     }
@@ -150,7 +169,7 @@ bool ProjectFile::load(Project& project, const QString& folder, ProgressSink* pr
             auto* item = new QSciImage();
             QString itemMessage;
             if (name.contains(QLatin1Char('/'))
-                || !ItemFile::load(*item, dir.filePath(name), true, true, &itemMessage)) {
+                || !ItemFile::load(*item, dir.filePath(name), false, true, &itemMessage)) {
                 failures.append(
                     itemMessage.isEmpty() ? Messages::unableToReadFromFile(dir.filePath(name)) : itemMessage);
                 delete item;

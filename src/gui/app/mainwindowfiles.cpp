@@ -24,7 +24,7 @@
 #include "core/items/itemfile.h"
 #include "core/items/textmatrix.h"
 #include "core/project/collectiontab.h"
-#include "core/project/operationscope.h"
+#include "core/project/itemarrangement.h"
 #include "core/project/project.h"
 #include "core/project/projectfile.h"
 #include "core/settings/options.h"
@@ -39,11 +39,8 @@ namespace {
 enum ItemExport { ZMatrices, Masks, Pictures };
 enum AreaExport { AreaPng, AreaPdf, AreaPostScript };
 
-// Room between an opened item and those already on the tab.
-constexpr int openedItemGap = 10;
-
-/** A file name made of @p name that is safe on every system and not yet in @p used. */
-QString uniqueFileName(const QString& name, const QString& suffix, QSet<QString>* used)
+/** A file name made of @p name that is safe on every system, not yet in @p used and not in @p folder (with "/"). */
+QString uniqueFileName(const QString& folder, const QString& name, const QString& suffix, QSet<QString>* used)
 {
     QString base = name.trimmed();
     for (const QChar c : { QLatin1Char('/'), QLatin1Char('\\'), QLatin1Char(':'), QLatin1Char('*'), QLatin1Char('?'),
@@ -52,7 +49,7 @@ QString uniqueFileName(const QString& name, const QString& suffix, QSet<QString>
     if (base.isEmpty())
         base = QStringLiteral("item");
     QString candidate = base + suffix;
-    for (int n = 2; used->contains(candidate.toLower()); ++n)
+    for (int n = 2; used->contains(candidate.toLower()) || QFile::exists(folder + candidate); ++n)
         candidate = base + QLatin1Char('_') + QString::number(n) + suffix;
     used->insert(candidate.toLower());
     return candidate;
@@ -174,8 +171,12 @@ bool MainWindow::openFile(const QString& path, QString* message)
 {
     message->clear();
     const QFileInfo info(path);
-    if (info.isDir() || path.endsWith(QLatin1String(".project.velm"), Qt::CaseInsensitive))
+    if (info.isDir() || path.endsWith(QLatin1String(".project.velm"), Qt::CaseInsensitive)) {
+        // A project replaces the open one: the user's unsaved work gets its question first.
+        if (!askToSaveModified(tr("Open project")))
+            return true;
         return openProject(info.isDir() ? info.absoluteFilePath() : info.absolutePath(), message);
+    }
 
     auto item = std::make_unique<QSciImage>();
     if (!ItemFile::load(*item, path, true, true, message))
@@ -187,21 +188,7 @@ bool MainWindow::openFile(const QString& path, QString* message)
 void MainWindow::addNewItem(QSciImage* item, const QString& operationName)
 {
     CollectionTab* tab = m_project->currentTab() ? m_project->currentTab() : m_project->addTab();
-    // Keep the place the item has (a file remembers one) unless it would hide what is already there.
-    QRect occupied;
-    bool overlaps = false;
-    for (const QSciImage* other : tab->items()) {
-        occupied |= other->tabRect();
-        overlaps = overlaps || other->tabRect().intersects(item->tabRect());
-    }
-    if (overlaps)
-        item->setPosition(occupied.right() + 1 + openedItemGap, occupied.top());
-    item->setSelected(false);
-    item->setVisible(true);
-    OperationScope scope(m_project, tab, operationName);
-    tab->addItem(item);
-    scope.recordCreated(item);
-    scope.commit();
+    ItemArrangement::addNew(*m_project, tab, item, operationName);
 }
 
 void MainWindow::newBlankItem()
@@ -236,7 +223,8 @@ void MainWindow::saveItems(const QList<QSciImage*>& items)
     QSet<QString> used;
     QStringList failures;
     for (QSciImage* item : items) {
-        const QString path = QDir(folder).filePath(uniqueFileName(item->name(), ItemFile::suffix(), &used));
+        const QString path = QDir(folder).filePath(
+            uniqueFileName(QDir(folder).absolutePath() + QLatin1Char('/'), item->name(), ItemFile::suffix(), &used));
         QString message;
         if (!ItemFile::save(*item, path, QSciImage::AllParts, false, true, &message))
             failures.append(message);
@@ -377,7 +365,8 @@ void MainWindow::exportItems(int kind)
     QSet<QString> used;
     QStringList failures;
     for (const QSciImage* item : items) {
-        const QString path = QDir(folder).filePath(uniqueFileName(item->name(), suffixes[kind], &used));
+        const QString path = QDir(folder).filePath(
+            uniqueFileName(QDir(folder).absolutePath() + QLatin1Char('/'), item->name(), suffixes[kind], &used));
         const QByteArray bytes = kind == ZMatrices ? TextMatrix::write(item->zData(), item->width(), item->height())
             : kind == Masks ? TextMatrix::writeMask(item->maskData(), item->width(), item->height())
                             : pngBytes(ItemRenderer::base(*item));
