@@ -36,7 +36,7 @@ bool CliItems::parseSize(const QString& text, QSize* size)
         return false;
     bool okW = false, okH = false;
     const int w = parts.at(0).toInt(&okW), h = parts.at(1).toInt(&okH);
-    if (!okW || !okH || w < 1 || h < 1 || w > 65536 || h > 65536)
+    if (!okW || !okH || !QSciImage::sizeFits(w, h))
         return false;
     *size = QSize(w, h);
     return true;

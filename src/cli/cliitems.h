@@ -14,7 +14,7 @@ public:
     static bool load(CliContext& context, const QString& path, QSciImage& item);
     /** Saves the whole item to @p path (atomically); prints the message on failure. */
     static bool save(CliContext& context, QSciImage& item, const QString& path);
-    /** "WxH" with both positive and at most 65536 each. */
+    /** "WxH" with both positive and W*H within what one item can hold. */
     static bool parseSize(const QString& text, QSize* size);
     /** A colour name or #RRGGBB. */
     static bool parseColor(const QString& text, QColor* color);

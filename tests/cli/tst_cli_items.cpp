@@ -102,6 +102,7 @@ private slots:
         QCOMPARE(missing.exitCode, 1);
         QVERIFY(missing.err.contains("File does not exist: "));
         QCOMPARE(cli({ "new", "--size", "0x3", "--out", path("x.img.velm") }).exitCode, 2);
+        QCOMPARE(cli({ "new", "--size", "65536x65536", "--out", path("x.img.velm") }).exitCode, 2);
         QCOMPARE(cli({ "new", "--size", "3x3" }).exitCode, 2);
         QCOMPARE(cli({ "apply", path("p.img.velm"), "--out", path("x.img.velm"), "explode" }).exitCode, 2);
         QCOMPARE(

@@ -75,7 +75,7 @@ public:
     static constexpr int QuickMatrixLevel = 3;
     static constexpr int NormalLevel = 6;
     /** Largest W*H a file may state: the z-matrix must fit one QVector<double>. */
-    static constexpr qint64 MaxPoints = (qint64(0x7FFFFFFF) - 64) / 8;
+    static constexpr qint64 MaxPoints = QSciImage::MaxPoints;
     /** Largest W*H a file may impose without a matrix block of that size. */
     static constexpr qint64 UnbackedPointLimit = qint64(1) << 22;
 

@@ -1,5 +1,7 @@
 #include "qsciimage.h"
 
+#include <QCoreApplication>
+
 #include "core/base/parallel.h"
 
 #include <QColor>
@@ -232,6 +234,13 @@ void QSciImage::copyFrom(const QSciImage& other)
     notifyChanged(AllParts | PositionPart | DisplayPart | HeaderPart);
     if (!m_loading)
         emit placeChanged();
+}
+
+QString QSciImage::tooLargeText(qint64 width, qint64 height)
+{
+    return QCoreApplication::translate("QSciImage", "The item would be too large: %1 x %2 points")
+        .arg(width)
+        .arg(height);
 }
 
 QSciImage* QSciImage::duplicate() const

@@ -60,6 +60,16 @@ public:
         bool operator==(const SciValues& o) const;
     };
 
+    /** The most points an item may hold: its z-matrix must fit one QVector<double>. */
+    static constexpr qint64 MaxPoints = (qint64(0x7FFFFFFF) - 64) / 8;
+    /** True when a @p width x @p height item can be made (both at least 1, at most MaxPoints points). */
+    static bool sizeFits(qint64 width, qint64 height)
+    {
+        return width >= 1 && height >= 1 && width <= MaxPoints && height <= MaxPoints / width;
+    }
+    /** "The item would be too large: W x H points", for every place that refuses a size. */
+    static QString tooLargeText(qint64 width, qint64 height);
+
     /** A 100 x 100 white item with z all 0 and no mask point selected. */
     explicit QSciImage(QObject* parent = nullptr);
     /** A @p width x @p height item filled with @p background, z all 0, mask empty. Sizes below 1 become 1. */

@@ -51,6 +51,17 @@ QRect boundingRect(const QList<QSciImage*>& items, bool intersect)
     return QRect(QPoint(left, top), QPoint(right, bottom));
 }
 
+/** Items far apart on a tab span more points than one item can hold. */
+bool fitsOrSays(const QRect& rect, QString* message)
+{
+    const qint64 w = qint64(rect.right()) - rect.left() + 1, h = qint64(rect.bottom()) - rect.top() + 1;
+    if (QSciImage::sizeFits(w, h))
+        return true;
+    if (message)
+        *message = QSciImage::tooLargeText(w, h);
+    return false;
+}
+
 } // namespace
 
 void ItemOperations::apply(Project& project, const QList<QSciImage*>& items, const QString& name,
@@ -205,22 +216,25 @@ bool ItemOperations::cutToOverlap(
     return true;
 }
 
-void ItemOperations::expandToBorder(
-    Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress)
+bool ItemOperations::expandToBorder(
+    Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress, QString* message)
 {
     if (items.size() < 2)
-        return;
+        return true;
     ProgressSink& sink = sinkOr(progress);
     sink.begin(tr("Calculate border"), items.size());
     const QRect border = boundingRect(items, false);
     sink.end();
+    if (!fitsOrSays(border, message))
+        return false;
     OperationScope scope(&project, tabFor(project, items), tr("Expand items to border"));
     sink.begin(tr("Expand to border"), items.size());
     for (int i = 0; i < items.size(); ++i) {
         QSciImage* item = items.at(i);
         if (!scope.record(item, QSciImage::AllParts | QSciImage::PositionPart)) {
             sink.end();
-            return scope.rollback();
+            scope.rollback();
+            return false;
         }
         const double fill = fillWithMax ? item->zMax() : item->zMin();
         item->resizeToRect(border.translated(-item->left(), -item->top()), fill);
@@ -229,15 +243,18 @@ void ItemOperations::expandToBorder(
     }
     sink.end();
     scope.commit();
+    return true;
 }
 
 QSciImage* ItemOperations::merge(
-    Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress)
+    Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress, QString* message)
 {
     if (items.size() < 2)
         return nullptr;
     ProgressSink& sink = sinkOr(progress);
     const QRect border = boundingRect(items, false);
+    if (!fitsOrSays(border, message))
+        return nullptr;
     double fill = fillWithMax ? -std::numeric_limits<double>::infinity() : std::numeric_limits<double>::infinity();
     for (const QSciImage* item : items)
         fill = fillWithMax ? std::max(fill, item->zMax()) : std::min(fill, item->zMin());

@@ -43,17 +43,21 @@ public:
      */
     [[nodiscard]] static bool cutToOverlap(
         Project& project, const QList<QSciImage*>& items, ProgressSink* progress = nullptr, QString* message = nullptr);
-    /** Grows every item to the union of all; new points get the item's own min (or max) z. */
-    static void expandToBorder(
-        Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress = nullptr);
+    /**
+     * Grows every item to the union of all; new points get the item's own min (or max) z. False with a
+     * message when the union is too large for an item.
+     */
+    static bool expandToBorder(Project& project, const QList<QSciImage*>& items, bool fillWithMax,
+        ProgressSink* progress = nullptr, QString* message = nullptr);
     /**
      * A new item covering the union of all, placed at the union's top-left on the first item's tab.
      * Where items overlap, the one higher in the stacking order wins (as the tab shows it); uncovered
      * points get the minimum (or maximum) z over all items and a transparent picture. Header and gradient
-     * come from the first item; masks are merged, objects are not carried over. Returns the new item.
+     * come from the first item; masks are merged, objects are not carried over. Returns the new item, or
+     * nullptr (with a message when the union is too large).
      */
-    static QSciImage* merge(
-        Project& project, const QList<QSciImage*>& items, bool fillWithMax, ProgressSink* progress = nullptr);
+    static QSciImage* merge(Project& project, const QList<QSciImage*>& items, bool fillWithMax,
+        ProgressSink* progress = nullptr, QString* message = nullptr);
     /** Copies of the items, each on its source's tab just above it; the copies become the selection. */
     static QList<QSciImage*> duplicate(Project& project, const QList<QSciImage*>& items);
 

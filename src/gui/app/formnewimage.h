@@ -14,7 +14,8 @@ class FormNewImage final : public QDialog {
     Q_OBJECT
 
 public:
-    static constexpr int MaximumSide = 20000;
+    /** 16000 x 16000 points still fit one item (QSciImage::MaxPoints). */
+    static constexpr int MaximumSide = 16000;
 
     explicit FormNewImage(QWidget* parent = nullptr);
 

@@ -380,7 +380,9 @@ void MainWindow::popupImageList_cutToOverlap()
 void MainWindow::runExpand(bool fillWithMax)
 {
     ProgressDialogSink progress(this, tr("Expand items to border"));
-    ItemOperations::expandToBorder(*m_project, selectedItems(), fillWithMax, &progress);
+    QString message;
+    if (!ItemOperations::expandToBorder(*m_project, selectedItems(), fillWithMax, &progress, &message))
+        showMessage(tr("Expand items to border"), message);
 }
 
 void MainWindow::popupImageList_ExpandToBorder_zMin()
@@ -396,7 +398,9 @@ void MainWindow::popupImageList_ExpandToBorder_zMax()
 void MainWindow::runMerge(bool fillWithMax)
 {
     ProgressDialogSink progress(this, tr("Merge images"));
-    ItemOperations::merge(*m_project, selectedItems(), fillWithMax, &progress);
+    QString message;
+    if (!ItemOperations::merge(*m_project, selectedItems(), fillWithMax, &progress, &message) && !message.isEmpty())
+        showMessage(tr("Merge images"), message);
 }
 
 void MainWindow::popupImageList_mergeImages_zMin()

@@ -95,6 +95,18 @@ private slots:
         QCOMPARE(b->tabRect(), QRect(10, 10, 2, 2));
     }
 
+    void unionsTooLargeForOneItemAreRefused()
+    {
+        QSciImage* a = makeItem(m_tab, QStringLiteral("a"), 2, 2, 0, 0, 0);
+        QSciImage* b = makeItem(m_tab, QStringLiteral("b"), 2, 2, 100000, 100000, 0);
+        QString message;
+        QVERIFY(!ItemOperations::expandToBorder(*m_project, { a, b }, false, nullptr, &message));
+        QVERIFY(message.contains(QStringLiteral("too large")));
+        QVERIFY(!ItemOperations::merge(*m_project, { a, b }, false, nullptr, &message));
+        QCOMPARE(a->size(), QSize(2, 2));
+        QCOMPARE(m_tab->count(), 2);
+    }
+
     void mergeLetsTheTopItemWinAndFillsTheRest()
     {
         QSciImage* low = makeItem(m_tab, QStringLiteral("low"), 3, 3, 0, 0, 0);
