@@ -46,7 +46,8 @@ MainToolBars::MainToolBars(QMainWindow* window, const MainActions& actions)
     // Text buttons do not fit one row beside the others at usual window widths.
     window->addToolBarBreak();
     QToolBar* properties = addBar(window, "toolBarItemProperties", tr("Item properties"));
-    addButton(properties, "tbColorGradient", tr("Color gradient"));
+    addButton(properties, "tbColorGradient", tr("Color gradient"))
+        ->setToolTip(tr("Select the color gradient for all selected images."));
     addButton(properties, "tbDisplayProperties", tr("Display properties"));
     addButton(properties, "tbAdvancedProperties", tr("Advanced properties"));
     addButton(properties, "tb3dPlot", tr("3D plot"));

@@ -95,9 +95,22 @@ void ToolBox::addTool(int heading, const QString& title, QTool* tool)
 
 void ToolBox::setProject(Project* project)
 {
+    if (m_project)
+        disconnect(m_project, nullptr, this, nullptr);
     m_project = project;
     for (QTool* tool : qAsConst(m_tools))
         tool->setProject(project);
+    // An undo that brings an item back makes a new object: a drag on the old one cannot go on.
+    if (project)
+        connect(project, &Project::itemReplaced, this, &ToolBox::dropOrphanedDrag);
+}
+
+void ToolBox::dropOrphanedDrag()
+{
+    if (m_current && m_current->isDragActive() && !m_current->item()) {
+        m_current->cancelDrag();
+        hideOverlay();
+    }
 }
 
 Project* ToolBox::project() const
@@ -172,6 +185,7 @@ bool ToolBox::toolMousePressed(CollectionTabPage* page, QSciImage* item, const Q
 {
     if (!m_current || m_current->identifier() == defaultCursor)
         return false;
+    dropOrphanedDrag();
     // A drag in progress (a polygon being built) stays on its item.
     if (!m_current->isDragActive()) {
         if (!item)

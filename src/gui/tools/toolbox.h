@@ -60,6 +60,8 @@ signals:
     void outputRequested(const QString& html);
 
 private:
+    /** Ends a drag whose item went away (deleted, or replaced by an undo). */
+    void dropOrphanedDrag();
     void addTool(int heading, const QString& title, QTool* tool);
     void onListCurrentChanged(QTreeWidgetItem* entry);
     void onItemsMovableRequested(bool movable);
