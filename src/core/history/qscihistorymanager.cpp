@@ -301,9 +301,6 @@ void QSciHistoryManager::replaceReferences(quint64 oldSerial, QSciImage* replace
                     HistoryLog::line(QStringLiteral("Fix zOrder, replacing reference to %1 with %2 in %3")
                                          .arg(oldSerial)
                                          .arg(HistoryLog::describe(replacement), holder));
-                    HistoryLog::line(QStringLiteral("Changed Z-Order historytag for %1 to %2")
-                                         .arg(HistoryLog::describe(replacement))
-                                         .arg(token->tag()));
                 }
             } else if (token->itemSerial() == oldSerial && token->item() != replacement) {
                 HistoryLog::line(QStringLiteral("Fix, replacing reference to %1 history tag %2 with %3 in %4")
