@@ -90,6 +90,9 @@ bool QSciHistoryManager::record(QSciImage* item, int mode, QSciImage::Parts part
                              .arg(token->tag())
                              .arg(token->fileNameFor(token->tag())));
         if (!token->save(token->tag())) {
+            emit recordFailed(Messages::tr("The change was not made: no undo copy of %1 could be saved (%2). Switch "
+                                           "History off to work without undo.")
+                                  .arg(item->name(), token->lastError()));
             delete token;
             return false;
         }

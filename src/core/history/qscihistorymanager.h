@@ -67,6 +67,8 @@ public:
 signals:
     /** The undo or redo list changed. */
     void changed();
+    /** An item could not be recorded, so the operation was not carried out; @p message says why, for the user. */
+    void recordFailed(const QString& message);
 
 private:
     QSciHistoryManager();

@@ -73,6 +73,7 @@ bool QSciHistoryToken::write(const QString& file)
     // The header always goes along: it carries the size the matrices are read back with.
     if (!ItemFile::save(*m_item, file, m_parts | QSciImage::HeaderPart, true, false, &message)) {
         HistoryLog::line(QStringLiteral("Could not save %1: %2").arg(m_itemText, message));
+        m_lastError = message;
         return false;
     }
     return true;

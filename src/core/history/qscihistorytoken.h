@@ -62,6 +62,8 @@ public:
     bool restoreInto(QSciImage* into) const;
     /** Deletes the file and gives its bytes back. */
     void dropFile();
+    /** Why the last save failed, as the writer said it. */
+    QString lastError() const { return m_lastError; }
 
     QPointer<QObject> tab; ///< modes 1, 3, 4: the tab of the item or order
     int index = -1; ///< modes 1, 3: place in the stacking order
@@ -88,6 +90,7 @@ private:
     bool m_selected = false;
     QDateTime m_creationTime; ///< the file keeps neither, and sorting by creation time needs it
     QString m_itemFileName;
+    QString m_lastError;
     QFuture<bool> m_pending;
     std::shared_ptr<QSciImage> m_present; ///< released on this thread once the background save ended
 };

@@ -111,6 +111,8 @@ void MainWindow::wireHistory()
     setHistoryOn(onOff->isChecked());
     connect(onOff, &QToolButton::toggled, this, &MainWindow::setHistoryOn);
     connect(QSciHistoryManager::instance(), &QSciHistoryManager::changed, this, &MainWindow::updateHistoryActions);
+    connect(QSciHistoryManager::instance(), &QSciHistoryManager::recordFailed, this,
+        [this](const QString& message) { showMessage(tr("History"), message); });
     updateHistoryActions();
 }
 

@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QLockFile>
 #include <QRandomGenerator>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <cstring>
@@ -336,6 +337,32 @@ private slots:
         Options::initialize(m_dir.path());
         history()->reloadSettings();
         QCOMPARE(history()->directory(), Options::historyDir());
+    }
+
+    void withoutAWritableHistoryFolderNothingIsChanged()
+    {
+        QTemporaryDir settings;
+        Options::initialize(settings.path());
+        const QString blocker = settings.filePath(QStringLiteral("blocker"));
+        QFile file(blocker);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+        Options::setString(QStringLiteral("history.historyDir"), blocker + QStringLiteral("/history"));
+        Options::initialize(settings.path());
+        history()->reloadSettings();
+        QSignalSpy failures(history(), &QSciHistoryManager::recordFailed);
+
+        QSciImage* a = m_tab->items().first();
+        const QImage picture = a->picture();
+        ItemArrangement::remove(*m_project, { a });
+        ItemOperations::flipHorizontal(*m_project, m_tab->items());
+        QCOMPARE(m_tab->count(), 3);
+        QCOMPARE(a->picture(), picture);
+        QCOMPARE(failures.count(), 2);
+        QCOMPARE(history()->undoNames(), QStringList());
+
+        Options::initialize(m_dir.path());
+        history()->reloadSettings();
     }
 
     void undoAcrossDeleteAndLaterChange()
