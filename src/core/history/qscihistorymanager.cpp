@@ -60,11 +60,6 @@ void QSciHistoryManager::setEnabled(bool enabled)
     m_enabled = enabled;
 }
 
-QString QSciHistoryManager::currentTransactionName() const
-{
-    return m_current ? m_current->name() : QString();
-}
-
 void QSciHistoryManager::beginTransaction(const QString& name, QSciHistoryHost* host, QObject* tab)
 {
     if (!m_enabled)
@@ -141,7 +136,6 @@ void QSciHistoryManager::commitTransaction()
         delete transaction;
         return;
     }
-    transaction->committed = true;
     m_undo.append(transaction);
     destroyTransactions(m_redo);
     sizeCheck();
@@ -290,7 +284,6 @@ void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo)
             break;
         }
     }
-    transaction->undone = undo;
 }
 
 void QSciHistoryManager::replaceReferences(quint64 oldSerial, QSciImage* replacement, QSciHistoryHost* host)

@@ -35,7 +35,6 @@ public:
     void reloadSettings();
 
     bool inTransaction() const { return m_current != nullptr; }
-    QString currentTransactionName() const;
     /** Begins a transaction on @p tab of @p host; does nothing while history is off. */
     void beginTransaction(const QString& name, QSciHistoryHost* host, QObject* tab);
     /**

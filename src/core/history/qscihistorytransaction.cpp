@@ -21,15 +21,6 @@ QSciHistoryTransaction::~QSciHistoryTransaction()
     qDeleteAll(m_tokens);
 }
 
-QSciHistoryToken* QSciHistoryTransaction::find(const QSciImage* item, int mode) const
-{
-    for (QSciHistoryToken* token : m_tokens) {
-        if (token->item() == item && token->mode() == mode)
-            return token;
-    }
-    return nullptr;
-}
-
 void QSciHistoryTransaction::replaceSerial(quint64 oldSerial, quint64 newSerial)
 {
     const int at = m_orderAtBegin.indexOf(oldSerial);

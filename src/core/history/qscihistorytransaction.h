@@ -25,15 +25,11 @@ public:
     QObject* tab() const { return m_tab.data(); }
     const QList<QSciHistoryToken*>& tokens() const { return m_tokens; }
     void append(QSciHistoryToken* token) { m_tokens.append(token); }
-    /** The token of @p item with @p mode, if one was made already. */
-    QSciHistoryToken* find(const QSciImage* item, int mode) const;
 
     /** Serials of the tab's items in stacking order when the transaction began. */
     const QList<quint64>& orderAtBegin() const { return m_orderAtBegin; }
     /** A removed item came back as a new object: the snapshot now names it by its new serial. */
     void replaceSerial(quint64 oldSerial, quint64 newSerial);
-    bool undone = false;
-    bool committed = false;
 
 private:
     QString m_name;
