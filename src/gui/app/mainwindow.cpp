@@ -21,6 +21,8 @@
 #include "core/base/tempfiles.h"
 #include "core/history/qscihistorymanager.h"
 #include "core/items/qsciimage.h"
+#include "core/processing/qscidenoise.h"
+#include "core/processing/qsciderivative.h"
 #include "core/processing/syntheticfield.h"
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
@@ -33,6 +35,7 @@
 #include "formitemproperties.h"
 #include "formnewimage.h"
 #include "formrecalibratez.h"
+#include "gui/processing/formimageprocessing.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "gui/tools/toolbox.h"
 #include "itemcontextmenu.h"
@@ -82,6 +85,11 @@ MainWindow::MainWindow(QWidget* parent)
     // The dialogs and panels of the other subsystems are created here, once, parented to the window.
     m_formNewImage = new FormNewImage(this);
     m_formRecalibrateZ = new FormRecalibrateZ(this);
+    m_formImageProcessing = new FormImageProcessing(this);
+    m_formImageProcessing->setProject(m_project, [this] { return selectedItems(); });
+    connect(m_formImageProcessing, &FormImageProcessing::messageRequested, this, &MainWindow::showMessage);
+    m_actions->wire("actionDerivative", this, [this] { m_formImageProcessing->showEffect(QSciDerivative().name()); });
+    m_actions->wire("actionDenoise", this, [this] { m_formImageProcessing->showEffect(QSciDenoise().name()); });
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);
@@ -474,6 +482,7 @@ void MainWindow::updateItemInfo()
 {
     QSciImage* item = currentItem();
     if (item != m_infoItem) {
+        m_formImageProcessing->setCurrentItem(item);
         if (m_infoItem)
             disconnect(m_infoItem, nullptr, this, nullptr);
         m_infoItem = item;

@@ -16,6 +16,7 @@ class FormChooseColorGradient;
 class FormItemProperties;
 class FormNewImage;
 class FormRecalibrateZ;
+class FormImageProcessing;
 class ItemClipboard;
 class ItemContextMenu;
 class MainActions;
@@ -165,6 +166,7 @@ private slots:
     void popupImageList_mapZToPic();
     void popupImageList_mapPicToZ();
     void popupImageList_recalibrateZ();
+    void popupImageList_imageProcessing();
     void popupImageList_selectColorGradient();
     void popupImageList_clearPicture();
     void popupImageList_clearObjects();
@@ -252,6 +254,7 @@ private:
     UndoRedoMenu* m_undoRedoMenu = nullptr;
     FormNewImage* m_formNewImage = nullptr;
     FormRecalibrateZ* m_formRecalibrateZ = nullptr;
+    FormImageProcessing* m_formImageProcessing = nullptr;
     FormAdvancedAlignment* m_formAdvancedAlignment = nullptr;
     FormChooseColorGradient* m_formChooseColorGradient = nullptr;
     FormItemProperties* m_formItemProperties = nullptr;

@@ -14,6 +14,7 @@
 #include "formadvancedalignment.h"
 #include "formitemproperties.h"
 #include "formrecalibratez.h"
+#include "gui/processing/formimageprocessing.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "core/history/qscihistorymanager.h"
 #include "core/project/collectiontab.h"
@@ -59,7 +60,7 @@ const Requirement requirements[] = {
     { "popupImageList_mapZToPic", 1 }, { "popupImageList_mapPicToZ", 1 },
     { "popupImageList_clearPicture", 1 }, { "popupImageList_clearObjects", 1 }, { "popupImageList_clearMask", 1 },
     { "popupImageList_duplicate", 1 }, { "popupImageList_alignAdvanced", 2 },
-    { "popupImageList_recalibrateZ", 1 }, { "popupImageList_selectColorGradient", 1 },
+    { "popupImageList_recalibrateZ", 1 }, { "popupImageList_imageProcessing", 1 }, { "popupImageList_selectColorGradient", 1 },
     { "popupImageList_DisplayInfo", 1 }, { "popupImageList_info", 1 },
 };
 
@@ -458,6 +459,11 @@ void MainWindow::popupImageList_mapZToPic()
 void MainWindow::popupImageList_mapPicToZ()
 {
     ItemOperations::mapPictureToZ(*m_project, selectedItems());
+}
+
+void MainWindow::popupImageList_imageProcessing()
+{
+    m_formImageProcessing->showEffect(QString());
 }
 
 void MainWindow::popupImageList_recalibrateZ()

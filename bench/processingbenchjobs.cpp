@@ -1,0 +1,41 @@
+#include "benchharness.h"
+
+#include "core/processing/qscidenoise.h"
+#include "core/processing/qsciderivative.h"
+
+#include <memory>
+
+namespace {
+
+/** Times one effect on the field: the output buffer is refilled untimed before each run, as the item operation holds
+ * it. */
+BenchJob effectJob(BenchContext& context, const QString& name, std::shared_ptr<QSciEffect> effect)
+{
+    auto out = std::make_shared<QVector<double>>();
+    BenchField* field = &context.field;
+    return { name,
+        [field, effect, out]() {
+            const EffectInput input { field->z.constData(), nullptr, field->width, field->height };
+            if (!effect->run(input, out->data(), nullptr))
+                qFatal("effect bench: stopped");
+        },
+        [field, out]() {
+            *out = field->z;
+            out->detach();
+        } };
+}
+
+QList<BenchJob> processingJobs(BenchContext& context)
+{
+    QList<BenchJob> jobs;
+    for (int r : { 1, 2, 3, 5 })
+        jobs.append(effectJob(context, QStringLiteral("denoise_r%1").arg(r),
+            std::make_shared<QSciDenoise>(QSciDenoise::Options { double(r), 1, false })));
+    QSciDerivative::Options gradient; // gradient mode, x and y, n = 1, order 1, f = 0, replicate
+    jobs.append(effectJob(context, QStringLiteral("derivative_gradient"), std::make_shared<QSciDerivative>(gradient)));
+    return jobs;
+}
+
+const BenchRegistration registration(40, processingJobs);
+
+} // namespace

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QWidget>
+
+class QSciEffect;
+
+/**
+ * One page of the image-processing dialog: the widgets of one effect's options. A panel owns its effect,
+ * writes every edit into it and says so with changed(); the dialog previews and applies the effect.
+ */
+class EffectPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    virtual QSciEffect& effect() = 0;
+    /** Reads the effect's options from the settings and shows them. */
+    virtual void readSettings() = 0;
+
+signals:
+    /** An option changed; the effect already holds it. */
+    void changed();
+};
