@@ -104,6 +104,11 @@ private slots:
 
         form->findChild<QPushButton*>(QStringLiteral("pbApply"))->click();
         QCOMPARE(m_window->messages, QStringList { QSciEffect::nothingSelectedText() });
+        form->hide();
+        auto* entry = m_window->findChild<QAction*>(QStringLiteral("popupImageList_imageProcessing"));
+        QVERIFY(entry->isEnabled());
+        entry->trigger();
+        QVERIFY(form->isVisible());
         QCOMPARE(item->zMatrix(), before);
         QVERIFY(QSciHistoryManager::instance()->undoNames().isEmpty());
     }

@@ -54,6 +54,7 @@ EffectPreview::EffectPreview(QWidget* parent)
     layout->addWidget(m_before, 1, 0);
     layout->addWidget(m_after, 1, 1);
     layout->addWidget(m_message, 2, 0, 1, 2);
+    layout->setRowStretch(3, 1);
     connect(&m_watcher, &QFutureWatcher<QImage>::finished, this, &EffectPreview::finished);
 }
 

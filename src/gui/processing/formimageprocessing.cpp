@@ -6,6 +6,7 @@
 #include "effectpreview.h"
 #include "panelprogresssink.h"
 
+#include "core/items/qsciimage.h"
 #include "core/processing/qscieffect.h"
 #include "core/project/effectoperations.h"
 
@@ -29,7 +30,8 @@ FormImageProcessing::FormImageProcessing(QWidget* parent)
     setObjectName(QStringLiteral("FormImageProcessing"));
     setWindowTitle(tr("Image processing"));
     m_list->setObjectName(QStringLiteral("lwEffects"));
-    m_list->setMaximumWidth(180);
+    m_list->setFixedWidth(140);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_progress->setObjectName(QStringLiteral("progressBar"));
     m_progress->setValue(0);
     m_apply->setObjectName(QStringLiteral("pbApply"));
@@ -71,8 +73,9 @@ void FormImageProcessing::setProject(Project* project, std::function<QList<QSciI
 
 void FormImageProcessing::setCurrentItem(QSciImage* item)
 {
+    m_currentItem = item;
     if (isVisible())
-        m_preview->setItem(item);
+        updatePreview();
 }
 
 int FormImageProcessing::addPanel(EffectPanel* panel)
@@ -118,11 +121,9 @@ void FormImageProcessing::updatePreview()
 {
     if (!isVisible() || !currentPanel())
         return;
-    if (m_selectedItems) {
-        const QList<QSciImage*> items = m_selectedItems();
-        if (!items.isEmpty())
-            m_preview->setItem(items.first());
-    }
+    // The first item Apply would change, else the item the window describes.
+    const QList<QSciImage*> items = m_selectedItems ? m_selectedItems() : QList<QSciImage*>();
+    m_preview->setItem(items.isEmpty() ? m_currentItem.data() : items.first());
     m_preview->setEffect(currentPanel()->effect());
 }
 

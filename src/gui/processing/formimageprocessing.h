@@ -57,6 +57,7 @@ private:
 
     Project* m_project = nullptr;
     std::function<QList<QSciImage*>()> m_selectedItems;
+    QPointer<QSciImage> m_currentItem;
     QList<EffectPanel*> m_panels;
     QListWidget* m_list;
     QStackedWidget* m_pages;
