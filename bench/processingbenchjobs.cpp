@@ -2,6 +2,8 @@
 
 #include "core/processing/qscidenoise.h"
 #include "core/processing/qsciderivative.h"
+#include "core/processing/qscilevelling.h"
+#include "core/processing/qscirowalignment.h"
 
 #include <memory>
 
@@ -33,6 +35,8 @@ QList<BenchJob> processingJobs(BenchContext& context)
             std::make_shared<QSciDenoise>(QSciDenoise::Options { double(r), 1, false })));
     QSciDerivative::Options gradient; // gradient mode, x and y, n = 1, order 1, f = 0, replicate
     jobs.append(effectJob(context, QStringLiteral("derivative_gradient"), std::make_shared<QSciDerivative>(gradient)));
+    jobs.append(effectJob(context, QStringLiteral("level_plane"), std::make_shared<QSciLevelling>()));
+    jobs.append(effectJob(context, QStringLiteral("align_rows_median"), std::make_shared<QSciRowAlignment>()));
     return jobs;
 }
 

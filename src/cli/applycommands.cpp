@@ -121,6 +121,14 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
         { QStringLiteral("denoise"), &EffectCommands::denoise },
         { QStringLiteral("derivative"), &EffectCommands::derivative },
+        { QStringLiteral("level-plane"), &EffectCommands::levelPlane },
+        { QStringLiteral("level-poly"), &EffectCommands::levelPolynomial },
+        { QStringLiteral("level-three-point"), &EffectCommands::levelThreePoints },
+        { QStringLiteral("level-facet"), &EffectCommands::levelFacet },
+        { QStringLiteral("zero-min"), &EffectCommands::zeroMinimum },
+        { QStringLiteral("align-rows"), &EffectCommands::alignRows },
+        { QStringLiteral("remove-scars"), &EffectCommands::removeScars },
+        { QStringLiteral("drift"), &EffectCommands::drift },
     };
     return list;
 }

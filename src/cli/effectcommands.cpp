@@ -3,7 +3,11 @@
 #include "cliargs.h"
 #include "cliprogress.h"
 
+#include "core/items/qsciimage.h"
 #include "core/processing/qscidenoise.h"
+#include "core/processing/qscidriftcorrection.h"
+#include "core/processing/qscilevelling.h"
+#include "core/processing/qscirowalignment.h"
 #include "core/processing/qsciderivative.h"
 #include "core/project/effectoperations.h"
 
@@ -89,9 +93,108 @@ int EffectCommands::derivative(CliContext& ctx, CliArgs& args, Project& project,
     return run(ctx, project, item, QSciDerivative(o));
 }
 
+namespace {
+
+int level(
+    CliContext& ctx, CliArgs& args, Project& project, QSciImage* item, QSciLevelling::Method method, int order = 1)
+{
+    QSciLevelling::Options o;
+    o.method = method;
+    o.order = order;
+    o.masked = args.takeFlag(QStringLiteral("--masked"));
+    return run(ctx, project, item, QSciLevelling(o));
+}
+
+} // namespace
+
+int EffectCommands::levelPlane(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    return level(ctx, args, project, item, QSciLevelling::Method::Plane);
+}
+
+int EffectCommands::levelPolynomial(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    bool ok = true;
+    const int order = intOption(args, QStringLiteral("--order"), 0, 1, 4, &ok);
+    if (!ok || order == 0)
+        return usageError(ctx, QStringLiteral("level-poly needs --order N (1 to 4)"));
+    return level(ctx, args, project, item, QSciLevelling::Method::Polynomial, order);
+}
+
+int EffectCommands::levelThreePoints(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    // Points as displayed: columns from the left, rows from the top.
+    const QStringList points = args.takeRequired(QStringLiteral("--points")).split(QLatin1Char(';'));
+    QSciLevelling::Options o;
+    o.method = QSciLevelling::Method::ThreePoints;
+    bool ok = points.size() == 3;
+    for (int k = 0; ok && k < 3; ++k) {
+        const QStringList xy = points.at(k).split(QLatin1Char(','));
+        bool okX = false, okY = false;
+        ok = xy.size() == 2;
+        if (ok) {
+            o.points[k] = QPoint(xy.at(0).trimmed().toInt(&okX), item->height() - 1 - xy.at(1).trimmed().toInt(&okY));
+            ok = okX && okY;
+        }
+    }
+    if (!ok)
+        return usageError(ctx, QStringLiteral("level-three-point needs --points \"X,Y;X,Y;X,Y\" (rows from the top)"));
+    return run(ctx, project, item, QSciLevelling(o));
+}
+
+int EffectCommands::levelFacet(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    return level(ctx, args, project, item, QSciLevelling::Method::Facet);
+}
+
+int EffectCommands::zeroMinimum(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    return level(ctx, args, project, item, QSciLevelling::Method::ZeroMinimum);
+}
+
+int EffectCommands::alignRows(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    const QString method = args.takeRequired(QStringLiteral("--method"));
+    QSciRowAlignment::Options o;
+    const QStringList names
+        = { QStringLiteral("median"), QStringLiteral("mean"), QStringLiteral("median-diff"), QStringLiteral("linear") };
+    const int index = names.indexOf(method);
+    if (index < 0)
+        return usageError(ctx, QStringLiteral("align-rows needs --method median|mean|median-diff|linear"));
+    o.method = QSciRowAlignment::Method(index);
+    o.masked = args.takeFlag(QStringLiteral("--masked"));
+    return run(ctx, project, item, QSciRowAlignment(o));
+}
+
+int EffectCommands::removeScars(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    QSciRowAlignment::Options o;
+    o.method = QSciRowAlignment::Method::Scars;
+    bool ok = true, present = false;
+    const QString threshold = args.takeOption(QStringLiteral("--threshold"), &present);
+    if (present)
+        o.scarThreshold = threshold.toDouble(&ok);
+    o.scarMinimumLength = intOption(args, QStringLiteral("--min-length"), 4, 1, 1000000, &ok);
+    if (!ok || !(o.scarThreshold > 0))
+        return usageError(ctx, QStringLiteral("remove-scars takes --threshold K (above 0) and --min-length N"));
+    return run(ctx, project, item, QSciRowAlignment(o));
+}
+
+int EffectCommands::drift(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    bool ok = true;
+    const int shift = intOption(args, QStringLiteral("--max-shift"), 10, 1, 1000, &ok);
+    if (!ok)
+        return usageError(ctx, QStringLiteral("drift takes --max-shift N (1 to 1000)"));
+    return run(ctx, project, item, QSciDriftCorrection({ shift }));
+}
+
 QString EffectCommands::usage()
 {
     return QStringLiteral("denoise --radius R [--loops N] [--selection]; derivative --mode gradient|directional "
                           "[--points N] [--order K] [--origin F] [--border replicate|wrap] [--direction xy|x|y] "
-                          "[--angle 0|45|...|315] [--selection]");
+                          "[--angle 0|45|...|315] [--selection];\n  level-plane [--masked]; level-poly --order N "
+                          "[--masked]; level-three-point --points \"X,Y;X,Y;X,Y\"; level-facet [--masked]; zero-min "
+                          "[--masked]; align-rows --method median|mean|median-diff|linear [--masked]; remove-scars "
+                          "[--threshold K] [--min-length N]; drift [--max-shift N]");
 }

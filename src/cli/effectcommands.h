@@ -11,5 +11,13 @@ class EffectCommands final {
 public:
     static int denoise(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
     static int derivative(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int levelPlane(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int levelPolynomial(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int levelThreePoints(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int levelFacet(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int zeroMinimum(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int alignRows(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int removeScars(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
+    static int drift(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item);
     static QString usage();
 };

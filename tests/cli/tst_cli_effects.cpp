@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <cmath>
 
 class TestCliEffects : public QObject {
     Q_OBJECT
@@ -54,6 +55,29 @@ private slots:
         QCOMPARE(cli({ "export-z", path("r.img.velm") }).out.split('\n').at(1).split('\t').at(2), QByteArray("18"));
     }
 
+    void levellingOperations()
+    {
+        // Rows offset against each other on a tilted plane: row alignment leaves the tilt, plane levelling the rows.
+        write("rows.txt", "10 11 12 13\n0 1 2 3\n5 6 7 8\n");
+        QCOMPARE(cli({ "import-z", path("rows.txt"), "--out", path("rows.img.velm") }).exitCode, 0);
+        QCOMPARE(
+            cli({ "apply", path("rows.img.velm"), "--out", path("al.img.velm"), "align-rows", "--method", "median" })
+                .exitCode,
+            0);
+        const QList<QByteArray> aligned = cli({ "export-z", path("al.img.velm") }).out.trimmed().split('\n');
+        QCOMPARE(aligned.size(), 3);
+        QCOMPARE(aligned.at(0), aligned.at(2));
+        QCOMPARE(aligned.at(1), aligned.at(2));
+
+        write("tilt.txt", "7 9 11\n4 6 8\n1 3 5\n");
+        QCOMPARE(cli({ "import-z", path("tilt.txt"), "--out", path("t.img.velm") }).exitCode, 0);
+        QCOMPARE(cli({ "apply", path("t.img.velm"), "--out", path("tl.img.velm"), "level-plane" }).exitCode, 0);
+        for (const QByteArray& value : cli({ "export-z", path("tl.img.velm") }).out.simplified().split(' '))
+            QVERIFY2(std::abs(value.toDouble()) < 1e-12, value.constData());
+        QCOMPARE(cli({ "apply", path("t.img.velm"), "--out", path("tz.img.velm"), "zero-min" }).exitCode, 0);
+        QCOMPARE(cli({ "export-z", path("tz.img.velm") }).out, QByteArray("6\t8\t10\n3\t5\t7\n0\t2\t4\n"));
+    }
+
     void failuresSayWhyAndWriteNothing_data()
     {
         QTest::addColumn<QStringList>("operation");
@@ -67,6 +91,11 @@ private slots:
         QTest::newRow("odd angle") << QStringList { "derivative", "--mode", "directional", "--angle", "30" } << 2
                                    << QByteArray("derivative --mode");
         QTest::newRow("no radius") << QStringList { "denoise" } << 2 << QByteArray("--radius");
+        QTest::newRow("masked plane without mask") << QStringList { "level-plane",
+            "--masked" } << 1 << QByteArray("Function cannot be applied to selection since there is nothing selected!");
+        QTest::newRow("polynomial without order") << QStringList { "level-poly" } << 2 << QByteArray("--order");
+        QTest::newRow("points in a line")
+            << QStringList { "level-three-point", "--points", "0,0;1,0;4,0" } << 1 << QByteArray("one line");
     }
 
     void failuresSayWhyAndWriteNothing()

@@ -21,8 +21,6 @@
 #include "core/base/tempfiles.h"
 #include "core/history/qscihistorymanager.h"
 #include "core/items/qsciimage.h"
-#include "core/processing/qscidenoise.h"
-#include "core/processing/qsciderivative.h"
 #include "core/processing/syntheticfield.h"
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
@@ -88,8 +86,14 @@ MainWindow::MainWindow(QWidget* parent)
     m_formImageProcessing = new FormImageProcessing(this);
     m_formImageProcessing->setProject(m_project, [this] { return selectedItems(); });
     connect(m_formImageProcessing, &FormImageProcessing::messageRequested, this, &MainWindow::showMessage);
-    m_actions->wire("actionDerivative", this, [this] { m_formImageProcessing->showEffect(QSciDerivative().name()); });
-    m_actions->wire("actionDenoise", this, [this] { m_formImageProcessing->showEffect(QSciDenoise().name()); });
+    const std::pair<const char*, QString> pages[] = {
+        { "actionPlane_correction", QStringLiteral("PlaneCorrectionPanel") },
+        { "actionDrift_correction", QStringLiteral("DriftCorrectionPanel") },
+        { "actionDerivative", QStringLiteral("DerivativePanel") },
+        { "actionDenoise", QStringLiteral("DenoisePanel") },
+    };
+    for (const auto& page : pages)
+        m_actions->wire(page.first, this, [this, name = page.second] { m_formImageProcessing->showPanel(name); });
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);

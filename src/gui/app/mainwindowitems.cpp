@@ -463,7 +463,7 @@ void MainWindow::popupImageList_mapPicToZ()
 
 void MainWindow::popupImageList_imageProcessing()
 {
-    m_formImageProcessing->showEffect(QString());
+    m_formImageProcessing->showPanel(QString());
 }
 
 void MainWindow::popupImageList_recalibrateZ()

@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-class QSciEffect;
+#include "core/processing/qscieffect.h"
 
 /**
  * One page of the image-processing dialog: the widgets of one effect's options. A panel owns its effect,
@@ -15,6 +15,8 @@ public:
     using QWidget::QWidget;
 
     virtual QSciEffect& effect() = 0;
+    /** The page's name in the dialog's list; a page that offers several methods names them all. */
+    virtual QString title();
     /** Reads the effect's options from the settings and shows them. */
     virtual void readSettings() = 0;
 

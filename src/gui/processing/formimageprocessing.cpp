@@ -2,9 +2,12 @@
 
 #include "denoisepanel.h"
 #include "derivativepanel.h"
+#include "driftcorrectionpanel.h"
 #include "effectpanel.h"
 #include "effectpreview.h"
+#include "linecorrectionpanel.h"
 #include "panelprogresssink.h"
+#include "planecorrectionpanel.h"
 
 #include "core/items/qsciimage.h"
 #include "core/processing/qscieffect.h"
@@ -59,6 +62,9 @@ FormImageProcessing::FormImageProcessing(QWidget* parent)
     connect(m_stop, &QPushButton::clicked, this, &FormImageProcessing::stop);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
 
+    addPanel(new PlaneCorrectionPanel(this));
+    addPanel(new LineCorrectionPanel(this));
+    addPanel(new DriftCorrectionPanel(this));
     addPanel(new DerivativePanel(this));
     addPanel(new DenoisePanel(this));
 }
@@ -83,7 +89,7 @@ int FormImageProcessing::addPanel(EffectPanel* panel)
     panel->readSettings();
     m_panels.append(panel);
     m_pages->addWidget(panel);
-    m_list->addItem(panel->effect().name());
+    m_list->addItem(panel->title());
     connect(panel, &EffectPanel::changed, this, [this, panel] {
         if (panel == currentPanel())
             updatePreview();
@@ -93,10 +99,10 @@ int FormImageProcessing::addPanel(EffectPanel* panel)
     return m_panels.size() - 1;
 }
 
-void FormImageProcessing::showEffect(const QString& name)
+void FormImageProcessing::showPanel(const QString& objectName)
 {
     for (int i = 0; i < m_panels.size(); ++i)
-        if (m_panels.at(i)->effect().name() == name)
+        if (m_panels.at(i)->objectName() == objectName)
             m_list->setCurrentRow(i);
     show();
     raise();

@@ -34,8 +34,8 @@ public:
 
     /** Adds an effect page under its effect's name; returns its index. */
     int addPanel(EffectPanel* panel);
-    /** Shows the page of the effect named @p name and the dialog. */
-    void showEffect(const QString& name);
+    /** Shows the dialog at the page of that object name ("DerivativePanel"); an unknown name keeps the page. */
+    void showPanel(const QString& objectName);
     EffectPanel* currentPanel() const;
     EffectPreview* preview() const { return m_preview; }
     bool isRunning() const { return m_sink != nullptr; }

@@ -1,0 +1,6 @@
+#include "effectpanel.h"
+
+QString EffectPanel::title()
+{
+    return effect().name();
+}
