@@ -3,6 +3,7 @@
 #include "../support/scopedsettings.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
@@ -127,6 +128,31 @@ private slots:
         QVERIFY(!form->isRunning());
         QCOMPARE(item->zMatrix(), before);
         QVERIFY(QSciHistoryManager::instance()->undoNames().isEmpty());
+    }
+
+    void threePointsArePickedOnThePreview()
+    {
+        m_window = shownWindowWithoutDemo<ScriptedWindow>(QSize(900, 700));
+        QSciImage* item = addSelectedItem(*m_window, 50, 30);
+        m_window->findChild<QAction*>(QStringLiteral("actionPlane_correction"))->trigger();
+        auto* form = m_window->findChild<FormImageProcessing*>();
+        QCOMPARE(form->currentPanel()->objectName(), QStringLiteral("PlaneCorrectionPanel"));
+        form->findChild<QComboBox*>(QStringLiteral("cbLevellingMethod"))->setCurrentIndex(2);
+        auto* original = form->findChild<QLabel*>(QStringLiteral("lbPreviewOriginal"));
+        QTRY_VERIFY(!original->pixmap(Qt::ReturnByValue).isNull());
+        // The 50 x 30 item sits in the middle of the label; picture rows run from the top.
+        const QPoint corner((original->width() - 50) / 2, (original->height() - 30) / 2);
+        const QPoint picks[] = { QPoint(3, 25), QPoint(45, 20), QPoint(10, 2) };
+        for (const QPoint& pick : picks)
+            QTest::mouseClick(original, Qt::LeftButton, Qt::NoModifier, corner + pick);
+        QCOMPARE(form->findChild<QSpinBox*>(QStringLiteral("sbPoint2x"))->value(), 45);
+        QCOMPARE(form->findChild<QSpinBox*>(QStringLiteral("sbPoint2y"))->value(), 30 - 1 - 20);
+
+        form->findChild<QPushButton*>(QStringLiteral("pbApply"))->click();
+        QCOMPARE(QSciHistoryManager::instance()->undoNames().value(0), QStringLiteral("Three-point levelling"));
+        const double first = item->z(3, 30 - 1 - 25);
+        for (const QPoint& pick : picks)
+            QVERIFY(std::abs(item->z(pick.x(), 30 - 1 - pick.y()) - first) < 1e-9);
     }
 
 private:

@@ -25,6 +25,7 @@ PreviewCrop::PreviewCrop(const QSciImage& item, int side)
     m_width = x1 - x0;
     m_height = y1 - y0;
     m_shown = QRect(shownX - x0, shownY - y0, shownW, shownH);
+    m_origin = QPoint(x0, y0);
     m_z.resize(qsizetype(m_width) * m_height);
     m_mask.resize(m_z.size());
     for (int x = 0; x < m_width; ++x) {

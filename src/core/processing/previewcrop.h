@@ -22,6 +22,11 @@ public:
     PreviewCrop(const QSciImage& item, int side);
 
     bool isEmpty() const { return m_shown.isEmpty(); }
+    /** The item point under pixel @p pixel of the pictures (row 0 on top); x column, y row from the bottom. */
+    QPoint itemPoint(const QPoint& pixel) const
+    {
+        return QPoint(m_origin.x() + m_shown.left() + pixel.x(), m_origin.y() + m_shown.bottom() - pixel.y());
+    }
     /** The piece as it is, through the item's gradient over its own range. */
     QImage original() const;
     /**
@@ -38,5 +43,6 @@ private:
     int m_width = 0;
     int m_height = 0;
     QRect m_shown; // inside the piece, x column, y row from the bottom
+    QPoint m_origin; // the piece's first point in the item
     ColorGradient m_gradient;
 };

@@ -4,3 +4,5 @@ QString EffectPanel::title()
 {
     return effect().name();
 }
+
+void EffectPanel::pickPoint(const QPoint&) { }

@@ -17,6 +17,8 @@ public:
     virtual QSciEffect& effect() = 0;
     /** The page's name in the dialog's list; a page that offers several methods names them all. */
     virtual QString title();
+    /** A point the user picked on the preview (x column, y row from the bottom); most panels ignore it. */
+    virtual void pickPoint(const QPoint& point);
     /** Reads the effect's options from the settings and shows them. */
     virtual void readSettings() = 0;
 

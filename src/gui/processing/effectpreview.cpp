@@ -6,6 +6,7 @@
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPixmap>
 #include <QtConcurrent/QtConcurrentRun>
 
@@ -56,6 +57,22 @@ EffectPreview::EffectPreview(QWidget* parent)
     layout->addWidget(m_message, 2, 0, 1, 2);
     layout->setRowStretch(3, 1);
     connect(&m_watcher, &QFutureWatcher<QImage>::finished, this, &EffectPreview::finished);
+    m_before->installEventFilter(this);
+    m_before->setToolTip(tr("Click to pick a point of the item"));
+}
+
+bool EffectPreview::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_before && event->type() == QEvent::MouseButtonPress && m_crop && !m_crop->isEmpty()) {
+        const QPixmap picture = m_before->pixmap(Qt::ReturnByValue);
+        // The label centres its picture.
+        const QPoint offset((m_before->width() - picture.width()) / 2, (m_before->height() - picture.height()) / 2);
+        const QPoint pixel = static_cast<QMouseEvent*>(event)->pos() - offset;
+        if (QRect(QPoint(0, 0), picture.size()).contains(pixel))
+            emit pointPicked(m_crop->itemPoint(pixel));
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 EffectPreview::~EffectPreview()

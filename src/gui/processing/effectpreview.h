@@ -35,8 +35,13 @@ public:
     bool isBusy() const { return m_running || m_pending; }
 
 signals:
+    /** The user clicked the point @p point of the item (x column, y row from the bottom) in the original. */
+    void pointPicked(const QPoint& point);
     /** A preview was drawn (or the item could not take the effect, and the message says why). */
     void updated();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void takeCrop();

@@ -61,6 +61,10 @@ FormImageProcessing::FormImageProcessing(QWidget* parent)
     connect(m_apply, &QPushButton::clicked, this, &FormImageProcessing::apply);
     connect(m_stop, &QPushButton::clicked, this, &FormImageProcessing::stop);
     connect(close, &QPushButton::clicked, this, &QDialog::close);
+    connect(m_preview, &EffectPreview::pointPicked, this, [this](const QPoint& point) {
+        if (EffectPanel* panel = currentPanel())
+            panel->pickPoint(point);
+    });
 
     addPanel(new PlaneCorrectionPanel(this));
     addPanel(new LineCorrectionPanel(this));

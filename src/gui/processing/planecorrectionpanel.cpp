@@ -14,7 +14,7 @@ PlaneCorrectionPanel::PlaneCorrectionPanel(QWidget* parent)
     , m_method(new QComboBox(this))
     , m_order(new QSpinBox(this))
     , m_masked(new QCheckBox(tr("Fit to the selected points only"), this))
-    , m_pointsBox(new QGroupBox(tr("Three points (column, row from the bottom)"), this))
+    , m_pointsBox(new QGroupBox(tr("Three points (column, row from the bottom; or click the original)"), this))
 {
     setObjectName(QStringLiteral("PlaneCorrectionPanel"));
     m_method->setObjectName(QStringLiteral("cbLevellingMethod"));
@@ -92,6 +92,18 @@ void PlaneCorrectionPanel::collect()
     o.masked = m_masked->isChecked();
     for (int k = 0; k < 3; ++k)
         o.points[k] = QPoint(m_points[2 * k]->value(), m_points[2 * k + 1]->value());
+    m_effect.setOptions(o);
+    showOptions(o);
+    emit changed();
+}
+
+void PlaneCorrectionPanel::pickPoint(const QPoint& point)
+{
+    QSciLevelling::Options o = m_effect.options();
+    if (o.method != QSciLevelling::Method::ThreePoints)
+        return;
+    o.points[m_nextPoint] = point;
+    m_nextPoint = (m_nextPoint + 1) % 3;
     m_effect.setOptions(o);
     showOptions(o);
     emit changed();

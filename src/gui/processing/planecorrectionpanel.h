@@ -18,6 +18,8 @@ public:
     QSciEffect& effect() override { return m_effect; }
     QString title() override;
     void readSettings() override;
+    /** In three-point mode each pick replaces the oldest of the three points. */
+    void pickPoint(const QPoint& point) override;
 
 private:
     void showOptions(const QSciLevelling::Options& o);
@@ -30,4 +32,5 @@ private:
     QCheckBox* m_masked;
     QWidget* m_pointsBox;
     QSpinBox* m_points[6];
+    int m_nextPoint = 0;
 };
