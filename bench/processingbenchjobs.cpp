@@ -2,6 +2,7 @@
 
 #include "core/processing/qscidenoise.h"
 #include "core/processing/qsciderivative.h"
+#include "core/processing/qscifilter.h"
 #include "core/processing/qscilevelling.h"
 #include "core/processing/qscirowalignment.h"
 
@@ -37,6 +38,12 @@ QList<BenchJob> processingJobs(BenchContext& context)
     jobs.append(effectJob(context, QStringLiteral("derivative_gradient"), std::make_shared<QSciDerivative>(gradient)));
     jobs.append(effectJob(context, QStringLiteral("level_plane"), std::make_shared<QSciLevelling>()));
     jobs.append(effectJob(context, QStringLiteral("align_rows_median"), std::make_shared<QSciRowAlignment>()));
+    QSciFilter::Options gaussian;
+    gaussian.sigma = 3;
+    jobs.append(effectJob(context, QStringLiteral("gaussian_s3"), std::make_shared<QSciFilter>(gaussian)));
+    QSciFilter::Options sobel;
+    sobel.kind = QSciFilter::Kind::Sobel;
+    jobs.append(effectJob(context, QStringLiteral("sobel"), std::make_shared<QSciFilter>(sobel)));
     return jobs;
 }
 

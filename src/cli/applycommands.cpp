@@ -84,7 +84,7 @@ int setGradient(CliContext& ctx, CliArgs& args, Project& project, QSciImage* ite
 
 const QList<QPair<QString, Operation>>& operations()
 {
-    static const QList<QPair<QString, Operation>> list = {
+    static const QList<QPair<QString, Operation>> list = QList<QPair<QString, Operation>> {
         { QStringLiteral("flip-h"), simple(&ItemOperations::flipHorizontal) },
         { QStringLiteral("flip-v"), simple(&ItemOperations::flipVertical) },
         { QStringLiteral("rotate+90"),
@@ -119,17 +119,7 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("mask-rect"), maskRect },
         { QStringLiteral("set-gradient"), setGradient },
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
-        { QStringLiteral("denoise"), &EffectCommands::denoise },
-        { QStringLiteral("derivative"), &EffectCommands::derivative },
-        { QStringLiteral("level-plane"), &EffectCommands::levelPlane },
-        { QStringLiteral("level-poly"), &EffectCommands::levelPolynomial },
-        { QStringLiteral("level-three-point"), &EffectCommands::levelThreePoints },
-        { QStringLiteral("level-facet"), &EffectCommands::levelFacet },
-        { QStringLiteral("zero-min"), &EffectCommands::zeroMinimum },
-        { QStringLiteral("align-rows"), &EffectCommands::alignRows },
-        { QStringLiteral("remove-scars"), &EffectCommands::removeScars },
-        { QStringLiteral("drift"), &EffectCommands::drift },
-    };
+    } + EffectCommands::operations();
     return list;
 }
 

@@ -6,6 +6,7 @@
 #include "core/items/qsciimage.h"
 #include "core/processing/qscidenoise.h"
 #include "core/processing/qscidriftcorrection.h"
+#include "core/processing/qscifilter.h"
 #include "core/processing/qscilevelling.h"
 #include "core/processing/qscirowalignment.h"
 #include "core/processing/qsciderivative.h"
@@ -189,6 +190,76 @@ int EffectCommands::drift(CliContext& ctx, CliArgs& args, Project& project, QSci
     return run(ctx, project, item, QSciDriftCorrection({ shift }));
 }
 
+namespace {
+
+int filter(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item, QSciFilter::Kind kind)
+{
+    QSciFilter::Options o;
+    o.kind = kind;
+    bool ok = true, present = false;
+    const auto real = [&](const char* name, double* value) {
+        const QString text = args.takeOption(QLatin1String(name), &present);
+        if (present) {
+            *value = text.toDouble(&ok);
+            ok = ok && std::isfinite(*value);
+        }
+        return present;
+    };
+    const bool sigmaGiven = real("--sigma", kind == QSciFilter::Kind::Despike ? &o.despikeSigma : &o.sigma);
+    real("--amount", &o.amount);
+    const bool radiusGiven = real("--radius", &o.radius);
+    if (kind == QSciFilter::Kind::Convolution) {
+        ok = ok && QSciFilter::parseKernel(args.takeRequired(QStringLiteral("--kernel")), &o.kernel);
+        o.normalise = !args.takeFlag(QStringLiteral("--no-normalise"));
+    }
+    if (kind == QSciFilter::Kind::Sobel) {
+        const QString direction = args.takeOption(QStringLiteral("--direction"), &present);
+        const QStringList names = { QStringLiteral("both"), QStringLiteral("x"), QStringLiteral("y") };
+        if (present) {
+            ok = ok && names.contains(direction);
+            o.direction = QSciFilter::Direction(std::max(0, int(names.indexOf(direction))));
+        }
+    }
+    const bool needsSigma = kind == QSciFilter::Kind::Gaussian || kind == QSciFilter::Kind::Unsharp;
+    if (!ok || (needsSigma && !sigmaGiven) || (kind == QSciFilter::Kind::Smoothen && !radiusGiven))
+        return usageError(ctx, EffectCommands::usage());
+    o.selectionOnly = args.takeFlag(QStringLiteral("--selection"));
+    return run(ctx, project, item, QSciFilter(o));
+}
+
+EffectCommands::Operation filterOperation(QSciFilter::Kind kind)
+{
+    return [kind](CliContext& ctx, CliArgs& args, Project& project, QSciImage* item) {
+        return filter(ctx, args, project, item, kind);
+    };
+}
+
+} // namespace
+
+QList<QPair<QString, EffectCommands::Operation>> EffectCommands::operations()
+{
+    using Kind = QSciFilter::Kind;
+    return {
+        { QStringLiteral("denoise"), &EffectCommands::denoise },
+        { QStringLiteral("derivative"), &EffectCommands::derivative },
+        { QStringLiteral("level-plane"), &EffectCommands::levelPlane },
+        { QStringLiteral("level-poly"), &EffectCommands::levelPolynomial },
+        { QStringLiteral("level-three-point"), &EffectCommands::levelThreePoints },
+        { QStringLiteral("level-facet"), &EffectCommands::levelFacet },
+        { QStringLiteral("zero-min"), &EffectCommands::zeroMinimum },
+        { QStringLiteral("align-rows"), &EffectCommands::alignRows },
+        { QStringLiteral("remove-scars"), &EffectCommands::removeScars },
+        { QStringLiteral("drift"), &EffectCommands::drift },
+        { QStringLiteral("gaussian"), filterOperation(Kind::Gaussian) },
+        { QStringLiteral("sharpen"), filterOperation(Kind::Sharpen) },
+        { QStringLiteral("unsharp"), filterOperation(Kind::Unsharp) },
+        { QStringLiteral("convolve"), filterOperation(Kind::Convolution) },
+        { QStringLiteral("sobel"), filterOperation(Kind::Sobel) },
+        { QStringLiteral("smoothen"), filterOperation(Kind::Smoothen) },
+        { QStringLiteral("despike"), filterOperation(Kind::Despike) },
+    };
+}
+
 QString EffectCommands::usage()
 {
     return QStringLiteral("denoise --radius R [--loops N] [--selection]; derivative --mode gradient|directional "
@@ -196,5 +267,8 @@ QString EffectCommands::usage()
                           "[--angle 0|45|...|315] [--selection];\n  level-plane [--masked]; level-poly --order N "
                           "[--masked]; level-three-point --points \"X,Y;X,Y;X,Y\"; level-facet [--masked]; zero-min "
                           "[--masked]; align-rows --method median|mean|median-diff|linear [--masked]; remove-scars "
-                          "[--threshold K] [--min-length N]; drift [--max-shift N]");
+                          "[--threshold K] [--min-length N]; drift [--max-shift N];\n  gaussian --sigma S; sharpen; "
+                          "unsharp --sigma S [--amount A]; convolve --kernel \"a,b,c;d,e,f;g,h,i\" [--no-normalise]; "
+                          "sobel [--direction both|x|y]; smoothen --radius R; despike [--sigma K]; each filter takes "
+                          "--selection");
 }

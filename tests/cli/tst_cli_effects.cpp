@@ -78,6 +78,22 @@ private slots:
         QCOMPARE(cli({ "export-z", path("tz.img.velm") }).out, QByteArray("6\t8\t10\n3\t5\t7\n0\t2\t4\n"));
     }
 
+    void filtersReachTheCore()
+    {
+        write("step.txt", "0 0 1 1\n0 0 1 1\n0 0 1 1\n");
+        QCOMPARE(cli({ "import-z", path("step.txt"), "--out", path("st.img.velm") }).exitCode, 0);
+        QCOMPARE(
+            cli({ "apply", path("st.img.velm"), "--out", path("sx.img.velm"), "sobel", "--direction", "x" }).exitCode,
+            0);
+        QCOMPARE(cli({ "export-z", path("sx.img.velm") }).out, QByteArray("0\t4\t4\t0\n0\t4\t4\t0\n0\t4\t4\t0\n"));
+        // An unnormalised kernel that copies the left neighbour, the first column mirrored.
+        QCOMPARE(cli({ "apply", path("st.img.velm"), "--out", path("k.img.velm"), "convolve", "--kernel",
+                         "0,0,0;2,0,0;0,0,0", "--no-normalise" })
+                     .exitCode,
+            0);
+        QCOMPARE(cli({ "export-z", path("k.img.velm") }).out, QByteArray("0\t0\t0\t2\n0\t0\t0\t2\n0\t0\t0\t2\n"));
+    }
+
     void failuresSayWhyAndWriteNothing_data()
     {
         QTest::addColumn<QStringList>("operation");
@@ -93,6 +109,9 @@ private slots:
         QTest::newRow("no radius") << QStringList { "denoise" } << 2 << QByteArray("--radius");
         QTest::newRow("masked plane without mask") << QStringList { "level-plane",
             "--masked" } << 1 << QByteArray("Function cannot be applied to selection since there is nothing selected!");
+        QTest::newRow("gaussian without sigma") << QStringList { "gaussian" } << 2 << QByteArray("--sigma");
+        QTest::newRow("even kernel") << QStringList { "convolve", "--kernel", "1,2;3,4" } << 2
+                                     << QByteArray("--kernel");
         QTest::newRow("polynomial without order") << QStringList { "level-poly" } << 2 << QByteArray("--order");
         QTest::newRow("points in a line")
             << QStringList { "level-three-point", "--points", "0,0;1,0;4,0" } << 1 << QByteArray("one line");

@@ -155,6 +155,19 @@ private slots:
             QVERIFY(std::abs(item->z(pick.x(), 30 - 1 - pick.y()) - first) < 1e-9);
     }
 
+    void effectsMenuOpensItsFilter()
+    {
+        m_window = shownWindowWithoutDemo<ScriptedWindow>(QSize(900, 700));
+        QSciImage* item = addSelectedItem(*m_window, 30, 20);
+        m_window->findChild<QAction*>(QStringLiteral("actionSobel_Edge_Detect"))->trigger();
+        auto* form = m_window->findChild<FormImageProcessing*>();
+        QCOMPARE(form->currentPanel()->objectName(), QStringLiteral("FilterPanel"));
+        const QVector<double> wanted = expected(form->currentPanel()->effect(), *item);
+        form->findChild<QPushButton*>(QStringLiteral("pbApply"))->click();
+        QCOMPARE(QSciHistoryManager::instance()->undoNames().value(0), QStringLiteral("Edge detection"));
+        QCOMPARE(item->zMatrix(), wanted);
+    }
+
 private:
     std::unique_ptr<ScopedSettings> m_settings;
     std::unique_ptr<ScriptedWindow> m_window;

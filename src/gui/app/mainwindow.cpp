@@ -94,6 +94,12 @@ MainWindow::MainWindow(QWidget* parent)
     };
     for (const auto& page : pages)
         m_actions->wire(page.first, this, [this, name = page.second] { m_formImageProcessing->showPanel(name); });
+    // The Effects menu lists the filters in the order of their kinds, then the peak correction.
+    const char* const filters[]
+        = { "actionGaussian_Blur", "actionSharpen", "actionUnsharp_Mask", "actionMatrix_Convolution",
+              "actionSobel_Edge_Detect", "actionSmoothen", "actionPeak_and_Surface_manipulation" };
+    for (int kind = 0; kind < int(std::size(filters)); ++kind)
+        m_actions->wire(filters[kind], this, [this, kind] { m_formImageProcessing->showFilter(kind); });
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);

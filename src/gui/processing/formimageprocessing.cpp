@@ -5,6 +5,7 @@
 #include "driftcorrectionpanel.h"
 #include "effectpanel.h"
 #include "effectpreview.h"
+#include "filterpanel.h"
 #include "linecorrectionpanel.h"
 #include "panelprogresssink.h"
 #include "planecorrectionpanel.h"
@@ -71,6 +72,7 @@ FormImageProcessing::FormImageProcessing(QWidget* parent)
     addPanel(new DriftCorrectionPanel(this));
     addPanel(new DerivativePanel(this));
     addPanel(new DenoisePanel(this));
+    addPanel(new FilterPanel(this));
 }
 
 FormImageProcessing::~FormImageProcessing() = default;
@@ -101,6 +103,13 @@ int FormImageProcessing::addPanel(EffectPanel* panel)
     if (m_list->currentRow() < 0)
         m_list->setCurrentRow(0);
     return m_panels.size() - 1;
+}
+
+void FormImageProcessing::showFilter(int kind)
+{
+    if (auto* filters = findChild<FilterPanel*>())
+        filters->setKind(QSciFilter::Kind(kind));
+    showPanel(QStringLiteral("FilterPanel"));
 }
 
 void FormImageProcessing::showPanel(const QString& objectName)

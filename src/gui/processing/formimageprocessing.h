@@ -36,6 +36,8 @@ public:
     int addPanel(EffectPanel* panel);
     /** Shows the dialog at the page of that object name ("DerivativePanel"); an unknown name keeps the page. */
     void showPanel(const QString& objectName);
+    /** Shows the filters' page with the filter of that number (QSciFilter::Kind) chosen. */
+    void showFilter(int kind);
     EffectPanel* currentPanel() const;
     EffectPreview* preview() const { return m_preview; }
     bool isRunning() const { return m_sink != nullptr; }
