@@ -30,6 +30,14 @@ DisplayDecoration ItemDecoration::of(const QSciImage& item, const DisplayElement
     return DisplayDecoration(elements, sourceOf(item));
 }
 
+DisplayElements ItemDecoration::figureElements(const QSciImage& item)
+{
+    DisplayElements elements = DisplayElements::fromMap(item.displayElements());
+    if (!elements.anyShown())
+        elements.showFigureSet();
+    return elements;
+}
+
 QImage ItemDecoration::shownPicture(const QSciImage& item)
 {
     return item.drawZInSciPaint() ? item.zPicture() : item.picture();

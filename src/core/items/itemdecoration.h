@@ -18,6 +18,9 @@ public:
     static DisplayDecoration of(const QSciImage& item);
     static DisplayDecoration of(const QSciImage& item, const DisplayElements& elements);
 
+    /** @p item's elements, or rulers, title and z scale when it switches none on: what a figure export draws. */
+    static DisplayElements figureElements(const QSciImage& item);
+
     /** What an item shows: the z-matrix through its gradient when it draws z, its picture otherwise. */
     static QImage shownPicture(const QSciImage& item);
     /** shownPicture() with the elements @p item switches on around and over it. */
