@@ -99,6 +99,11 @@ QVector<DisplayDecoration::Tick> DisplayDecoration::ticks(double from, double to
     const double low = std::fmin(a, b), high = std::fmax(a, b);
     const double first = std::ceil(low / minor - 1e-9);
     const double last = std::floor(high / minor + 1e-9);
+    // A span lost in the digits of its values (1e6 + 1e-10) has no steps a double can count.
+    if (!(last - first < 1000) || first + 1 == first) {
+        out.append({ 0, label(a, step), true });
+        return out;
+    }
     for (double k = first; k <= last; ++k) {
         const double v = k * minor;
         const bool major = std::fmod(std::fabs(k), divisions) == 0;

@@ -77,6 +77,7 @@ private slots:
         QCOMPARE(DisplayDecoration::ticks(3e-9, 3e-9, QStringLiteral("m"), 5, true).size(), 1);
         QCOMPARE(DisplayDecoration::ticks(3e-9, 3e-9, QStringLiteral("m"), 5, true).first().text, QStringLiteral("3"));
         QVERIFY(DisplayDecoration::ticks(0, qInf(), QStringLiteral("m"), 5, true).isEmpty());
+        QVERIFY(DisplayDecoration::ticks(1e6, 1e6 + 1e-10, QString(), 5, true, true).size() <= 5 * 6 + 1);
     }
 
     void decoratedPictureWrapsTheBarePictureUnchanged_data()
