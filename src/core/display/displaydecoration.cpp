@@ -92,7 +92,10 @@ QVector<DisplayDecoration::Tick> DisplayDecoration::ticks(double from, double to
         }
         return out;
     }
-    const double step = SiScale::niceStep(span, maxSteps);
+    double step = SiScale::niceStep(span, maxSteps);
+    // A scale with a single number says nothing about its size: take smaller steps until two fit.
+    for (int i = 0; i < 6 && std::floor(std::fmax(a, b) / step) - std::ceil(std::fmin(a, b) / step) < 1; ++i)
+        step = SiScale::niceFloor(step * 0.99);
     const double mantissa = step / std::pow(10.0, std::floor(std::log10(step) + 1e-9));
     const int divisions = subticks ? (std::lround(mantissa) == 2 ? 4 : 5) : 1;
     const double minor = step / divisions;

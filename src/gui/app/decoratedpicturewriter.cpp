@@ -30,19 +30,22 @@ QByteArray DecoratedPictureWriter::write(const QSciImage& item, Format format)
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     if (format == Pdf) {
-        // One point of the page per picture point; text and lines stay vectors.
+        // One point of the page per picture point; text and lines stay vectors. The document is complete only
+        // once painter and writer are gone.
         const QRect outer = decoration.outerRect();
-        QPdfWriter writer(&buffer);
-        writer.setCreator(QStringLiteral("Velmora"));
-        writer.setTitle(item.name());
-        writer.setResolution(72);
-        writer.setPageSize(QPageSize(QSizeF(outer.size()), QPageSize::Point, QString(), QPageSize::ExactMatch));
-        writer.setPageMargins(QMarginsF());
-        QPainter painter(&writer);
-        painter.translate(-outer.topLeft());
-        painter.fillRect(outer, Qt::white);
-        painter.drawImage(QPoint(0, 0), picture);
-        decoration.paint(&painter);
+        {
+            QPdfWriter writer(&buffer);
+            writer.setCreator(QStringLiteral("Velmora"));
+            writer.setTitle(item.name());
+            writer.setResolution(72);
+            writer.setPageSize(QPageSize(QSizeF(outer.size()), QPageSize::Point, QString(), QPageSize::ExactMatch));
+            writer.setPageMargins(QMarginsF());
+            QPainter painter(&writer);
+            painter.translate(-outer.topLeft());
+            painter.fillRect(outer, Qt::white);
+            painter.drawImage(QPoint(0, 0), picture);
+            decoration.paint(&painter);
+        }
         return bytes;
     }
     const QImage image = decoration.render(picture);

@@ -67,6 +67,12 @@ private slots:
         QCOMPARE(texts, QStringList({ "-2 nm", "0 nm", "2 nm", "4 nm" }));
         QCOMPARE(minors, 11);
 
+        // However little room, a scale shows at least two numbers.
+        int majors = 0;
+        for (const auto& t : DisplayDecoration::ticks(0, 449, QString(), 1, true, true))
+            majors += t.major;
+        QCOMPARE(majors, 3);
+
         // Evenly spaced: both ends labelled exactly.
         ticks = DisplayDecoration::ticks(0.13, 0.87, QString(), 2, false);
         QCOMPARE(ticks.size(), 3);
