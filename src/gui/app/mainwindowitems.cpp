@@ -157,8 +157,9 @@ void MainWindow::updateItemActions()
             return !tab->contains(item);
         }));
 
-    for (const char* name :
-        { "actionSave_selected_items", "actionZ_Matrices", "actionMasks", "actionPictures_without_display_elements" })
+    for (const char* name : { "actionSave_selected_items", "actionZ_Matrices", "actionMasks",
+             "actionPictures_without_display_elements", "actionPictures_s", "actionPictures_with_display_elements",
+             "actionPdf_files", "actionPostscript_ps_files" })
         m_actions->get(name)->setEnabled(count > 0);
     m_actions->get("actionSave_items_on_current_tab")->setEnabled(tab && tab->count() > 0);
     for (const auto& b : itemButtons)
