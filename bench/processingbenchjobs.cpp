@@ -1,10 +1,13 @@
 #include "benchharness.h"
 
+#include "core/items/qsciimage.h"
+#include "core/processing/fouriertransform.h"
 #include "core/processing/qscidenoise.h"
 #include "core/processing/qsciderivative.h"
 #include "core/processing/qscifilter.h"
 #include "core/processing/qscilevelling.h"
 #include "core/processing/qscirowalignment.h"
+#include "core/processing/roughness.h"
 
 #include <memory>
 
@@ -44,6 +47,30 @@ QList<BenchJob> processingJobs(BenchContext& context)
     QSciFilter::Options sobel;
     sobel.kind = QSciFilter::Kind::Sobel;
     jobs.append(effectJob(context, QStringLiteral("sobel"), std::make_shared<QSciFilter>(sobel)));
+
+    // The spectrum is made from an item, built untimed on first use.
+    auto item = std::make_shared<std::unique_ptr<QSciImage>>();
+    BenchField* field = &context.field;
+    auto makeItem = [item, field]() {
+        if (*item)
+            return;
+        *item = std::make_unique<QSciImage>(field->width, field->height, Qt::white);
+        if (!(*item)->setZMatrix(field->z))
+            qFatal("processing bench: the field does not match its size");
+    };
+    jobs.append({ QStringLiteral("fft_logpower"),
+        [item]() {
+            if (!FourierTransform::spectrum(**item, FourierTransform::Mode::LogPower))
+                qFatal("processing bench: no spectrum");
+        },
+        makeItem });
+    jobs.append({ QStringLiteral("roughness"),
+        [field]() {
+            Roughness::Result result;
+            if (!Roughness::evaluate(field->z.constData(), nullptr, field->width, field->height, 1, 1, &result))
+                qFatal("processing bench: no roughness");
+        },
+        {} });
     return jobs;
 }
 

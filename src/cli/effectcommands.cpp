@@ -1,6 +1,7 @@
 #include "effectcommands.h"
 
 #include "cliargs.h"
+#include "cliitems.h"
 #include "cliprogress.h"
 
 #include "core/items/qsciimage.h"
@@ -11,6 +12,7 @@
 #include "core/processing/qscirowalignment.h"
 #include "core/processing/qsciderivative.h"
 #include "core/project/effectoperations.h"
+#include "core/project/spectrumoperations.h"
 
 #include <cmath>
 
@@ -227,6 +229,35 @@ int filter(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item, QS
     return run(ctx, project, item, QSciFilter(o));
 }
 
+int fft(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    const QStringList modes = { QStringLiteral("magnitude"), QStringLiteral("phase"), QStringLiteral("logpower") };
+    const int mode = modes.indexOf(args.takeRequired(QStringLiteral("--mode")));
+    if (mode < 0)
+        return usageError(ctx, QStringLiteral("fft needs --mode magnitude|phase|logpower"));
+    // The window puts the spectrum beside the item; here it becomes the output file.
+    const QList<QSciImage*> made = SpectrumOperations::addSpectra(project, { item }, FourierTransform::Mode(mode));
+    if (made.isEmpty())
+        return ctx.fail(QStringLiteral("No spectrum could be made."));
+    item->copyFrom(*made.first());
+    return CliSuccess;
+}
+
+int fftFilter(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    const QString path = args.takeRequired(QStringLiteral("--spectrum"));
+    if (path.isEmpty())
+        return usageError(
+            ctx, QStringLiteral("fft-filter needs --spectrum FILE, a spectrum whose mask keeps frequencies"));
+    QSciImage spectrum;
+    if (!CliItems::load(ctx, path, spectrum))
+        return CliFailure;
+    QString message;
+    if (!SpectrumOperations::filter(project, item, spectrum, &message))
+        return ctx.fail(message);
+    return CliSuccess;
+}
+
 EffectCommands::Operation filterOperation(QSciFilter::Kind kind)
 {
     return [kind](CliContext& ctx, CliArgs& args, Project& project, QSciImage* item) {
@@ -257,18 +288,22 @@ QList<QPair<QString, EffectCommands::Operation>> EffectCommands::operations()
         { QStringLiteral("sobel"), filterOperation(Kind::Sobel) },
         { QStringLiteral("smoothen"), filterOperation(Kind::Smoothen) },
         { QStringLiteral("despike"), filterOperation(Kind::Despike) },
+        { QStringLiteral("fft"), fft },
+        { QStringLiteral("fft-filter"), fftFilter },
     };
 }
 
 QString EffectCommands::usage()
 {
-    return QStringLiteral("denoise --radius R [--loops N] [--selection]; derivative --mode gradient|directional "
-                          "[--points N] [--order K] [--origin F] [--border replicate|wrap] [--direction xy|x|y] "
-                          "[--angle 0|45|...|315] [--selection];\n  level-plane [--masked]; level-poly --order N "
-                          "[--masked]; level-three-point --points \"X,Y;X,Y;X,Y\"; level-facet [--masked]; zero-min "
-                          "[--masked]; align-rows --method median|mean|median-diff|linear [--masked]; remove-scars "
-                          "[--threshold K] [--min-length N]; drift [--max-shift N];\n  gaussian --sigma S; sharpen; "
-                          "unsharp --sigma S [--amount A]; convolve --kernel \"a,b,c;d,e,f;g,h,i\" [--no-normalise]; "
-                          "sobel [--direction both|x|y]; smoothen --radius R; despike [--sigma K]; each filter takes "
-                          "--selection");
+    return QStringLiteral(
+        "denoise --radius R [--loops N] [--selection]; derivative --mode gradient|directional "
+        "[--points N] [--order K] [--origin F] [--border replicate|wrap] [--direction xy|x|y] "
+        "[--angle 0|45|...|315] [--selection];\n  level-plane [--masked]; level-poly --order N "
+        "[--masked]; level-three-point --points \"X,Y;X,Y;X,Y\"; level-facet [--masked]; zero-min "
+        "[--masked]; align-rows --method median|mean|median-diff|linear [--masked]; remove-scars "
+        "[--threshold K] [--min-length N]; drift [--max-shift N];\n  gaussian --sigma S; sharpen; "
+        "unsharp --sigma S [--amount A]; convolve --kernel \"a,b,c;d,e,f;g,h,i\" [--no-normalise]; "
+        "sobel [--direction both|x|y]; smoothen --radius R; despike [--sigma K]; each filter takes "
+        "--selection;\n  fft --mode magnitude|phase|logpower; fft-filter --spectrum FILE (its mask keeps "
+        "frequencies)");
 }

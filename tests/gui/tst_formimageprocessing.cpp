@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
+#include <QTableWidget>
 #include <QTimer>
 #include <QtTest>
 
@@ -166,6 +167,28 @@ private slots:
         form->findChild<QPushButton*>(QStringLiteral("pbApply"))->click();
         QCOMPARE(QSciHistoryManager::instance()->undoNames().value(0), QStringLiteral("Edge detection"));
         QCOMPARE(item->zMatrix(), wanted);
+    }
+
+    void spectrumAndRoughnessFromTheMenu()
+    {
+        m_window = shownWindowWithoutDemo<ScriptedWindow>(QSize(900, 700));
+        QSciImage* item = addSelectedItem(*m_window, 32, 24);
+        m_window->fillDialog
+            = [](QDialog* dialog) { return dialog->objectName() == QLatin1String("FormFourierTransform"); };
+        m_window->findChild<QAction*>(QStringLiteral("actionFourier_transformation"))->trigger();
+        const QList<QSciImage*> items = m_window->project()->currentTab()->items();
+        QCOMPARE(items.size(), 2);
+        QCOMPARE(items.at(1)->size(), item->size());
+        QVERIFY(items.at(1)->left() > item->right());
+        QCOMPARE(QSciHistoryManager::instance()->undoNames(), QStringList { QStringLiteral("Fourier transformation") });
+
+        item->setSelected(true);
+        items.at(1)->setSelected(false);
+        m_window->findChild<QAction*>(QStringLiteral("actionRoughness_analysis"))->trigger();
+        auto* table = m_window->findChild<QTableWidget*>(QStringLiteral("twRoughness"));
+        QTRY_VERIFY(table->isVisible());
+        QCOMPARE(table->item(0, 0)->text(), QStringLiteral("Sa"));
+        QVERIFY(table->item(0, 1)->text().toDouble() > 0);
     }
 
 private:

@@ -26,6 +26,7 @@
 #include "core/project/itemarrangement.h"
 #include "core/project/itemclipboard.h"
 #include "core/project/itemoperations.h"
+#include "core/project/spectrumoperations.h"
 #include "core/project/project.h"
 #include "core/settings/options.h"
 #include "documentsdock.h"
@@ -33,7 +34,9 @@
 #include "formitemproperties.h"
 #include "formnewimage.h"
 #include "formrecalibratez.h"
+#include "gui/processing/formfouriertransform.h"
 #include "gui/processing/formimageprocessing.h"
+#include "gui/processing/formroughness.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "gui/tools/toolbox.h"
 #include "itemcontextmenu.h"
@@ -100,6 +103,21 @@ MainWindow::MainWindow(QWidget* parent)
               "actionSobel_Edge_Detect", "actionSmoothen", "actionPeak_and_Surface_manipulation" };
     for (int kind = 0; kind < int(std::size(filters)); ++kind)
         m_actions->wire(filters[kind], this, [this, kind] { m_formImageProcessing->showFilter(kind); });
+    m_formFourierTransform = new FormFourierTransform(this);
+    m_actions->wire("actionFourier_transformation", this, [this] {
+        const QList<QSciImage*> items = selectedItems();
+        if (items.isEmpty())
+            return showMessage(tr("Fourier transformation"), tr("Select the items to transform."));
+        if (runDialog(m_formFourierTransform) == QDialog::Accepted)
+            SpectrumOperations::addSpectra(*m_project, items, m_formFourierTransform->mode());
+    });
+    m_formRoughness = new FormRoughness(this);
+    connect(m_formRoughness, &FormRoughness::outputRequested, this, &MainWindow::appendOutput);
+    connect(m_formRoughness, &FormRoughness::messageRequested, this, &MainWindow::showMessage);
+    m_actions->wire("actionRoughness_analysis", this, [this] {
+        if (QSciImage* item = currentItem())
+            m_formRoughness->showFor(item);
+    });
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);

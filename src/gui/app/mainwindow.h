@@ -17,6 +17,8 @@ class FormItemProperties;
 class FormNewImage;
 class FormRecalibrateZ;
 class FormImageProcessing;
+class FormFourierTransform;
+class FormRoughness;
 class ItemClipboard;
 class ItemContextMenu;
 class MainActions;
@@ -255,6 +257,8 @@ private:
     FormNewImage* m_formNewImage = nullptr;
     FormRecalibrateZ* m_formRecalibrateZ = nullptr;
     FormImageProcessing* m_formImageProcessing = nullptr;
+    FormFourierTransform* m_formFourierTransform = nullptr;
+    FormRoughness* m_formRoughness = nullptr;
     FormAdvancedAlignment* m_formAdvancedAlignment = nullptr;
     FormChooseColorGradient* m_formChooseColorGradient = nullptr;
     FormItemProperties* m_formItemProperties = nullptr;
