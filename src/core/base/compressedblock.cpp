@@ -5,6 +5,7 @@
 #include <QIODevice>
 #include <climits>
 #include <cstring>
+#include <libdeflate.h>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -216,9 +217,57 @@ int drain(z_stream& stream)
     return stream.avail_out == 1 ? result : Z_DATA_ERROR;
 }
 
+/** libdeflate's decompressor of the calling thread: it holds no state between calls, only tables. */
+libdeflate_decompressor* decompressor()
+{
+    struct Free {
+        void operator()(libdeflate_decompressor* d) const { libdeflate_free_decompressor(d); }
+    };
+    thread_local std::unique_ptr<libdeflate_decompressor, Free> d(libdeflate_alloc_decompressor());
+    return d.get();
+}
+
+/** Hands inflated bytes to the job's sink in cache-sized chunks. */
+void feedSink(const CompressedBlock::Inflation& job, char* out, qsizetype offset, qsizetype length)
+{
+    for (qsizetype done = 0; job.sink && done < length; done += SinkChunk)
+        job.sink(offset + done, out + done, qMin(SinkChunk, length - done));
+}
+
+/**
+ * A piece in one call of libdeflate, which wants a stream that ends: a piece that ends on a sync flush gets a
+ * final empty block appended (a fixed-Huffman block with only its end code, bytes 03 00) in a copy.
+ */
+bool inflatePieceWhole(InflateTask& task, const CompressedBlock::Inflation& job, char* destination)
+{
+    const uchar* in = task.in;
+    size_t length = size_t(task.inLength);
+    thread_local std::vector<uchar> copy;
+    if (!task.last) {
+        copy.resize(length + 2);
+        std::memcpy(copy.data(), in, length);
+        copy[length] = 0x03;
+        copy[length + 1] = 0x00;
+        in = copy.data();
+        length += 2;
+    }
+    char* out = destination + task.outOffset;
+    size_t consumed = 0;
+    const libdeflate_result result
+        = libdeflate_deflate_decompress_ex(decompressor(), in, length, out, size_t(task.outLength), &consumed, nullptr);
+    if (result != LIBDEFLATE_SUCCESS || consumed != length)
+        return false;
+    task.adler = libdeflate_adler32(1, out, size_t(task.outLength));
+    feedSink(job, out, task.outOffset, task.outLength);
+    return true;
+}
+
 /** One piece of a pieced stream, raw deflate, which must give exactly its share of the output. */
 bool inflatePiece(InflateTask& task, const CompressedBlock::Inflation& job, char* destination)
 {
+    if (destination)
+        return inflatePieceWhole(task, job, destination);
+    // Without a destination the output is only streamed to the sink, a chunk at a time, through zlib.
     z_stream stream {};
     if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
         return false;
@@ -237,9 +286,19 @@ bool inflatePiece(InflateTask& task, const CompressedBlock::Inflation& job, char
     return ok;
 }
 
-/** A whole zlib stream in one go; zlib checks the Adler-32 itself. */
+/** A whole zlib stream in one go; the inflater checks the Adler-32 itself. */
 bool inflateStream(const CompressedBlock::Inflation& job, char* destination)
 {
+    if (destination) {
+        // The stated size is exact: libdeflate refuses a stream that gives fewer or more bytes.
+        size_t consumed = 0;
+        const libdeflate_result result = libdeflate_zlib_decompress_ex(decompressor(), job.data + 4,
+            size_t(job.size - 4), destination, size_t(job.destinationSize), &consumed, nullptr);
+        if (result != LIBDEFLATE_SUCCESS || consumed != size_t(job.size - 4))
+            return false;
+        feedSink(job, destination, 0, job.destinationSize);
+        return true;
+    }
     z_stream stream {};
     if (inflateInit(&stream) != Z_OK)
         return false;

@@ -223,7 +223,10 @@ private slots:
             block = qCompress(qUncompress(block), 6);
         const QString plain = path(QStringLiteral("plain.img.velm"));
         writeAll(plain, framed(blocks));
-        for (const QString& file : { ours, plain }) {
+        const QString quick = path(QStringLiteral("quick.img.velm"));
+        QString message;
+        QVERIFY(ItemFile::write(*item, quick, ItemFile::PartFlags(), true, &message));
+        for (const QString& file : { ours, plain, quick }) {
             QSciImage loaded;
             QVERIFY(ItemFile::load(loaded, file));
             QCOMPARE(difference(*item, loaded), QString());
@@ -256,6 +259,7 @@ private slots:
         QTest::newRow("huge size, no blocks") << QStringLiteral("huge");
         QTest::newRow("bad object record") << QStringLiteral("object");
         QTest::newRow("block longer than the file") << QStringLiteral("length");
+        QTest::newRow("stream longer than its stated size") << QStringLiteral("stated");
     }
 
     void brokenBlocksAndForgedSizesKeepTheItem()
@@ -268,6 +272,11 @@ private slots:
         QByteArray bytes;
         if (mutation == QLatin1String("z")) {
             blocks[3][blocks[3].size() / 2] = char(blocks[3].at(blocks[3].size() / 2) ^ 0x21);
+            bytes = framed(blocks);
+        } else if (mutation == QLatin1String("stated")) {
+            // The prefix states the item's 12 doubles; the stream holds one more.
+            blocks[3] = qCompress(QByteArray(8 * 13, 1));
+            blocks[3][3] = char(8 * 12);
             bytes = framed(blocks);
         } else if (mutation == QLatin1String("huge")) {
             bytes = framed({ headerBlock(QStringLiteral("1|15|000005|200005|10000")) });
