@@ -10,6 +10,8 @@
 #include "core/processing/qscifilter.h"
 #include "core/processing/qscilevelling.h"
 #include "core/processing/qscirowalignment.h"
+#include "core/processing/thinning.h"
+#include "core/project/itemoperations.h"
 #include "core/processing/qsciderivative.h"
 #include "core/project/effectoperations.h"
 #include "core/project/spectrumoperations.h"
@@ -258,6 +260,14 @@ int fftFilter(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
     return CliSuccess;
 }
 
+int thinMask(CliContext& ctx, CliArgs&, Project& project, QSciImage* item)
+{
+    if (item->maskSelectedCount() == 0)
+        return ctx.fail(QSciEffect::nothingSelectedText());
+    ItemOperations::thinMask(project, { item });
+    return CliSuccess;
+}
+
 EffectCommands::Operation filterOperation(QSciFilter::Kind kind)
 {
     return [kind](CliContext& ctx, CliArgs& args, Project& project, QSciImage* item) {
@@ -288,6 +298,7 @@ QList<QPair<QString, EffectCommands::Operation>> EffectCommands::operations()
         { QStringLiteral("sobel"), filterOperation(Kind::Sobel) },
         { QStringLiteral("smoothen"), filterOperation(Kind::Smoothen) },
         { QStringLiteral("despike"), filterOperation(Kind::Despike) },
+        { QStringLiteral("thin-mask"), thinMask },
         { QStringLiteral("fft"), fft },
         { QStringLiteral("fft-filter"), fftFilter },
     };
@@ -304,6 +315,6 @@ QString EffectCommands::usage()
         "[--threshold K] [--min-length N]; drift [--max-shift N];\n  gaussian --sigma S; sharpen; "
         "unsharp --sigma S [--amount A]; convolve --kernel \"a,b,c;d,e,f;g,h,i\" [--no-normalise]; "
         "sobel [--direction both|x|y]; smoothen --radius R; despike [--sigma K]; each filter takes "
-        "--selection;\n  fft --mode magnitude|phase|logpower; fft-filter --spectrum FILE (its mask keeps "
+        "--selection;\n  thin-mask; fft --mode magnitude|phase|logpower; fft-filter --spectrum FILE (its mask keeps "
         "frequencies)");
 }

@@ -94,6 +94,23 @@ private slots:
         QCOMPARE(cli({ "export-z", path("k.img.velm") }).out, QByteArray("0\t0\t0\t2\n0\t0\t0\t2\n0\t0\t0\t2\n"));
     }
 
+    void thinningLeavesTheSkeleton()
+    {
+        write("five.txt", "0 0 0 0 0\n0 0 0 0 0\n0 0 0 0 0\n0 0 0 0 0\n0 0 0 0 0\n");
+        QCOMPARE(cli({ "import-z", path("five.txt"), "--out", path("five.img.velm") }).exitCode, 0);
+        QCOMPARE(
+            cli({ "apply", path("five.img.velm"), "--out", path("bar.img.velm"), "mask-rect", "--rect", "0,1,5,3" })
+                .exitCode,
+            0);
+        QCOMPARE(cli({ "apply", path("bar.img.velm"), "--out", path("thin.img.velm"), "thin-mask" }).exitCode, 0);
+        // A line along the middle row of the bar is left, nothing else.
+        const QList<QByteArray> rows = cli({ "export-mask", path("thin.img.velm") }).out.trimmed().split('\n');
+        QCOMPARE(rows.size(), 5);
+        for (int row : { 0, 1, 3, 4 })
+            QCOMPARE(rows.at(row), QByteArray("0\t0\t0\t0\t0"));
+        QVERIFY(rows.at(2).count('1') >= 2);
+    }
+
     void failuresSayWhyAndWriteNothing_data()
     {
         QTest::addColumn<QStringList>("operation");
@@ -112,6 +129,8 @@ private slots:
         QTest::newRow("gaussian without sigma") << QStringList { "gaussian" } << 2 << QByteArray("--sigma");
         QTest::newRow("even kernel") << QStringList { "convolve", "--kernel", "1,2;3,4" } << 2
                                      << QByteArray("--kernel");
+        QTest::newRow("thinning without mask")
+            << QStringList { "thin-mask" } << 1 << QByteArray("Function cannot be applied to selection");
         QTest::newRow("polynomial without order") << QStringList { "level-poly" } << 2 << QByteArray("--order");
         QTest::newRow("points in a line")
             << QStringList { "level-three-point", "--points", "0,0;1,0;4,0" } << 1 << QByteArray("one line");

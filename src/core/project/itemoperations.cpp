@@ -7,6 +7,7 @@
 
 #include "core/base/progresssink.h"
 #include "core/display/colorgradient.h"
+#include "core/processing/thinning.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -347,4 +348,12 @@ QList<QSciImage*> ItemOperations::duplicate(Project& project, const QList<QSciIm
     }
     scope.commit();
     return copies;
+}
+
+void ItemOperations::thinMask(Project& project, const QList<QSciImage*>& items)
+{
+    apply(project, items, tr("Thinning"), QSciImage::MaskPart, [](QSciImage& item) {
+        Thinning::thin(item.maskData(), item.width(), item.height());
+        item.notifyChanged(QSciImage::MaskPart);
+    });
 }

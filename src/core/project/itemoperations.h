@@ -33,6 +33,8 @@ public:
     /** Like clearMask, under the selection tools' own text "Unselect all (mask)". */
     static void unselectAllMask(Project& project, const QList<QSciImage*>& items);
     static void invertMask(Project& project, const QList<QSciImage*>& items);
+    /** Thins each mask to its skeleton ("Thinning"). */
+    static void thinMask(Project& project, const QList<QSciImage*>& items);
     static void setColorGradient(Project& project, const QList<QSciImage*>& items, const ColorGradient& gradient);
     /** Puts edited display and header values back into @p item as one transaction ("Item properties"). */
     static void setProperties(Project& project, QSciImage* item, const ItemProperties& properties);

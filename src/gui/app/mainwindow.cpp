@@ -25,6 +25,7 @@
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
 #include "core/project/itemclipboard.h"
+#include "core/processing/qscieffect.h"
 #include "core/project/itemoperations.h"
 #include "core/project/spectrumoperations.h"
 #include "core/project/project.h"
@@ -103,6 +104,12 @@ MainWindow::MainWindow(QWidget* parent)
               "actionSobel_Edge_Detect", "actionSmoothen", "actionPeak_and_Surface_manipulation" };
     for (int kind = 0; kind < int(std::size(filters)); ++kind)
         m_actions->wire(filters[kind], this, [this, kind] { m_formImageProcessing->showFilter(kind); });
+    m_actions->wire("actionThinning", this, [this] {
+        const QList<QSciImage*> items = selectedItems();
+        if (std::none_of(items.cbegin(), items.cend(), [](const QSciImage* i) { return i->maskSelectedCount() > 0; }))
+            return showMessage(tr("Thinning"), QSciEffect::nothingSelectedText());
+        ItemOperations::thinMask(*m_project, items);
+    });
     m_formFourierTransform = new FormFourierTransform(this);
     m_actions->wire("actionFourier_transformation", this, [this] {
         const QList<QSciImage*> items = selectedItems();
