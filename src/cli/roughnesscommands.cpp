@@ -3,6 +3,7 @@
 #include "cliitems.h"
 
 #include "core/items/qsciimage.h"
+#include "core/processing/latticeanalysis.h"
 #include "core/processing/roughness.h"
 
 #include <QJsonDocument>
@@ -35,7 +36,36 @@ int runRoughness(CliContext& ctx, CliArgs& args)
     return CliSuccess;
 }
 
-const CliCommandRegistration registration({ { QStringLiteral("roughness"), QStringLiteral("roughness FILE [--masked]"),
-    QStringLiteral("areal and row roughness parameters as JSON, in the item's z unit"), runRoughness, 45 } });
+int runLattice(CliContext& ctx, CliArgs& args)
+{
+    const QString problem = args.usageError();
+    if (!problem.isEmpty() || args.positional().size() != 1) {
+        ctx.err << (problem.isEmpty() ? QStringLiteral("lattice needs one FILE") : problem) << Qt::endl;
+        return CliUsage;
+    }
+    QSciImage item;
+    if (!CliItems::load(ctx, args.positional().first(), item))
+        return CliFailure;
+    LatticeAnalysis::Result result;
+    QString message;
+    if (!LatticeAnalysis::find(item, &result, &message))
+        return ctx.fail(message);
+    const auto vector = [](const QPointF& p, double length) {
+        return QJsonObject { { QStringLiteral("x"), p.x() }, { QStringLiteral("y"), p.y() },
+            { QStringLiteral("length"), length } };
+    };
+    const QJsonObject json { { QStringLiteral("a"), vector(result.aPhysical, result.lengthA) },
+        { QStringLiteral("b"), vector(result.bPhysical, result.lengthB) }, { QStringLiteral("angle"), result.angle },
+        { QStringLiteral("unit"), result.unit } };
+    ctx.out << QJsonDocument(json).toJson(QJsonDocument::Indented);
+    return CliSuccess;
+}
+
+const CliCommandRegistration registration(
+    { { QStringLiteral("roughness"), QStringLiteral("roughness FILE [--masked]"),
+          QStringLiteral("areal and row roughness parameters as JSON, in the item's z unit"), runRoughness, 45 },
+        { QStringLiteral("lattice"), QStringLiteral("lattice FILE"),
+            QStringLiteral("the two shortest lattice vectors (y up the rows) and their angle, as JSON"), runLattice,
+            46 } });
 
 } // namespace

@@ -143,3 +143,26 @@ void FourierTransform::filter(const double* z, int w, int h, const unsigned char
     for (size_t k = 0; k < result.size(); ++k)
         out[k] = result[k] / n;
 }
+
+void FourierTransform::autocorrelation(const double* z, int w, int h, double* out)
+{
+    std::vector<std::complex<double>> half = forward(z, w, h);
+    for (std::complex<double>& v : half)
+        v = std::norm(v);
+    half[0] = 0; // the mean
+    std::vector<double> result(size_t(w) * h);
+    fftw_plan plan;
+    {
+        QMutexLocker locked(&plannerLock());
+        plan = fftw_plan_dft_c2r_2d(w, h, reinterpret_cast<fftw_complex*>(half.data()), result.data(), FFTW_ESTIMATE);
+    }
+    fftw_execute(plan);
+    {
+        QMutexLocker locked(&plannerLock());
+        fftw_destroy_plan(plan);
+    }
+    const double n = double(w) * h;
+    for (int i = 0; i < w; ++i)
+        for (int j = 0; j < h; ++j)
+            out[size_t((i + w / 2) % w) * h + (j + h / 2) % h] = result[size_t(i) * h + j] / (n * n);
+}

@@ -22,4 +22,9 @@ public:
      */
     static void filter(const double* z, int width, int height, const unsigned char* keep, double* out);
     static QString modeName(Mode mode);
+    /**
+     * The autocorrelation of z about its mean, laid out like a spectrum: offset (0, 0) in the middle, offset
+     * (dx, dy) at (W / 2 + dx, H / 2 + dy), periodic at the edges.
+     */
+    static void autocorrelation(const double* z, int width, int height, double* out);
 };

@@ -25,6 +25,7 @@
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
 #include "core/project/itemclipboard.h"
+#include "core/processing/latticeanalysis.h"
 #include "core/processing/qscieffect.h"
 #include "core/project/itemoperations.h"
 #include "core/project/spectrumoperations.h"
@@ -109,6 +110,18 @@ MainWindow::MainWindow(QWidget* parent)
         if (std::none_of(items.cbegin(), items.cend(), [](const QSciImage* i) { return i->maskSelectedCount() > 0; }))
             return showMessage(tr("Thinning"), QSciEffect::nothingSelectedText());
         ItemOperations::thinMask(*m_project, items);
+    });
+    m_actions->wire("actionLattice", this, [this] {
+        QSciImage* item = currentItem();
+        LatticeAnalysis::Result lattice;
+        QString message;
+        if (!item)
+            return;
+        if (!LatticeAnalysis::find(*item, &lattice, &message))
+            return showMessage(tr("Lattice"), message);
+        const QString text = item->name() + QStringLiteral(": ") + LatticeAnalysis::describe(lattice);
+        appendOutput(text.toHtmlEscaped());
+        statusBar()->showMessage(text, 10000);
     });
     m_formFourierTransform = new FormFourierTransform(this);
     m_actions->wire("actionFourier_transformation", this, [this] {

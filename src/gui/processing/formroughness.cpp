@@ -30,7 +30,7 @@ FormRoughness::FormRoughness(QWidget* parent)
     layout->addWidget(again);
     connect(again, &QPushButton::clicked, this, &FormRoughness::evaluate);
     connect(m_masked, &QCheckBox::toggled, this, &FormRoughness::evaluate);
-    resize(360, 460);
+    resize(380, 560);
 }
 
 void FormRoughness::showFor(QSciImage* item)
