@@ -10,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -102,10 +103,25 @@ void ItemOperations::mapPictureToZ(Project& project, const QList<QSciImage*>& it
     apply(project, items, tr("Map picture to z-matrix"), QSciImage::ZPart, [](QSciImage& i) { i.mapPictureToZ(); });
 }
 
-void ItemOperations::recalibrateZ(Project& project, const QList<QSciImage*>& items, double multiply, double add)
+bool ItemOperations::recalibrateZ(
+    Project& project, const QList<QSciImage*>& items, double multiply, double add, QString* message)
 {
+    bool finite = std::isfinite(multiply) && std::isfinite(add);
+    for (const QSciImage* item : items) {
+        double low = 0, high = 0;
+        item->zRange(&low, &high);
+        // The extremes map to the extremes, so checking them checks every point.
+        if (finite && std::isfinite(low))
+            finite = std::isfinite(low * multiply + add) && std::isfinite(high * multiply + add);
+    }
+    if (!finite) {
+        if (message)
+            *message = tr("Recalibrate z-matrix: the result would hold values that are no finite numbers.");
+        return false;
+    }
     apply(project, items, tr("Recalibrate z-matrix"), QSciImage::ZPart | QSciImage::HeaderPart,
         [=](QSciImage& i) { i.recalibrateZ(multiply, add); });
+    return true;
 }
 
 void ItemOperations::flipHorizontal(Project& project, const QList<QSciImage*>& items)

@@ -20,7 +20,12 @@ class ItemOperations final {
 public:
     static void mapZToPicture(Project& project, const QList<QSciImage*>& items, ProgressSink* progress = nullptr);
     static void mapPictureToZ(Project& project, const QList<QSciImage*>& items);
-    static void recalibrateZ(Project& project, const QList<QSciImage*>& items, double multiply, double add);
+    /**
+     * z' = z * multiply + add. Refused (false with a message, nothing changed) when the numbers or the result
+     * for any item would not be finite: NaN and infinity stand for missing points and must not be made.
+     */
+    static bool recalibrateZ(
+        Project& project, const QList<QSciImage*>& items, double multiply, double add, QString* message = nullptr);
     static void flipHorizontal(Project& project, const QList<QSciImage*>& items);
     static void flipVertical(Project& project, const QList<QSciImage*>& items);
     /** +90 (clockwise), -90 or 180. */

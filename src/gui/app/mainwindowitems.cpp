@@ -463,9 +463,11 @@ void MainWindow::popupImageList_mapPicToZ()
 void MainWindow::popupImageList_recalibrateZ()
 {
     m_formRecalibrateZ->setItems(selectedItems());
-    if (runDialog(m_formRecalibrateZ) == QDialog::Accepted)
-        ItemOperations::recalibrateZ(
-            *m_project, selectedItems(), m_formRecalibrateZ->multiply(), m_formRecalibrateZ->add());
+    QString message;
+    if (runDialog(m_formRecalibrateZ) == QDialog::Accepted
+        && !ItemOperations::recalibrateZ(
+            *m_project, selectedItems(), m_formRecalibrateZ->multiply(), m_formRecalibrateZ->add(), &message))
+        showMessage(tr("Recalibrate z-matrix"), message);
 }
 
 void MainWindow::popupImageList_selectColorGradient()
