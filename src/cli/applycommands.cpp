@@ -117,7 +117,11 @@ const QList<QPair<QString, Operation>>& operations()
                 return 0;
             } },
         { QStringLiteral("map-picture-to-z"), simple(&ItemOperations::mapPictureToZ) },
-        { QStringLiteral("clear-picture"), simple(&ItemOperations::clearPicture) },
+        { QStringLiteral("clear-picture"),
+            [](CliContext&, CliArgs&, Project& p, QSciImage* i) {
+                ItemOperations::clearPicture(p, { i });
+                return 0;
+            } },
         { QStringLiteral("clear-objects"), simple(&ItemOperations::clearObjects) },
         { QStringLiteral("clear-mask"), simple(&ItemOperations::clearMask) },
         { QStringLiteral("mask-all"), simple(&ItemOperations::selectAllMask) },

@@ -151,9 +151,38 @@ void ItemOperations::cutToMaskBorder(Project& project, const QList<QSciImage*>& 
         [](QSciImage& i) { i.cutToMaskBorderRect(); });
 }
 
-void ItemOperations::clearPicture(Project& project, const QList<QSciImage*>& items)
+QList<QSciImage*> ItemOperations::clearPicture(Project& project, const QList<QSciImage*>& items)
 {
-    apply(project, items, tr("Clear picture"), QSciImage::PicturePart, [](QSciImage& i) { i.clearPicture(); });
+    return editPicture(project, items, tr("Clear picture"), [](QSciImage& i) { i.clearPicture(); });
+}
+
+QList<QSciImage*> ItemOperations::editPicture(Project& project, const QList<QSciImage*>& items, const QString& name,
+    const std::function<void(QSciImage&)>& change)
+{
+    QList<QSciImage*> switched;
+    std::copy_if(items.cbegin(), items.cend(), std::back_inserter(switched),
+        [](const QSciImage* i) { return i->drawZInSciPaint(); });
+    const QSciImage::Parts parts = switched.isEmpty() ? QSciImage::Parts(QSciImage::PicturePart)
+                                                      : QSciImage::PicturePart | QSciImage::DisplayPart;
+    apply(project, items, name, parts, [&](QSciImage& i) {
+        change(i);
+        if (i.drawZInSciPaint())
+            i.setDrawSwitches(true, i.drawMaskInSciPaint(), i.drawObjectsInSciPaint(), false);
+    });
+    // A step that could not be recorded was rolled back, switches and all.
+    switched.erase(
+        std::remove_if(switched.begin(), switched.end(), [](const QSciImage* i) { return i->drawZInSciPaint(); }),
+        switched.end());
+    return switched;
+}
+
+QString ItemOperations::pictureShownText(const QList<QSciImage*>& switched)
+{
+    if (switched.size() == 1)
+        return tr("\"%1\" showed its z-matrix; it now shows its picture, where the change was made.")
+            .arg(switched.first()->name());
+    return tr("%1 items showed their z-matrix; they now show their picture, where the change was made.")
+        .arg(switched.size());
 }
 
 void ItemOperations::clearObjects(Project& project, const QList<QSciImage*>& items)

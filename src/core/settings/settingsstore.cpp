@@ -27,6 +27,11 @@ QString columnLatin1(sqlite3_stmt* statement)
 
 } // namespace
 
+QString SettingsStore::libraryVersion()
+{
+    return QString::fromLatin1(sqlite3_libversion());
+}
+
 SettingsStore::~SettingsStore()
 {
     close();

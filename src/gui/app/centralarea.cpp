@@ -1,10 +1,13 @@
 #include "centralarea.h"
 
+#include <QGraphicsView>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "collectiontabpage.h"
@@ -38,6 +41,9 @@ CentralArea::CentralArea(QWidget* parent)
     layout->addWidget(m_tabs, 1);
     layout->addWidget(m_itemInfo);
 
+    // Typed into on purpose only: at start-up the focus belongs to the image area.
+    m_tabName->setFocusPolicy(Qt::ClickFocus);
+    returnFocusOnEnter(m_tabName);
     connect(m_rename, &QPushButton::clicked, this, [this] { renameCurrentTab(m_tabName->text()); });
     connect(m_tabName, &QLineEdit::returnPressed, this, [this] { renameCurrentTab(m_tabName->text()); });
     connect(m_tabs, &QTabWidget::currentChanged, this, &CentralArea::onCurrentChanged);
@@ -61,6 +67,28 @@ void CentralArea::setProject(Project* project)
     connect(project, &Project::tabRemoved, this, &CentralArea::removePage);
     connect(project, &Project::currentTabChanged, this, &CentralArea::onProjectCurrentChanged);
     onProjectCurrentChanged(project->currentIndex());
+}
+
+void CentralArea::focusImageArea()
+{
+    if (CollectionTabPage* page = currentPage())
+        page->view()->setFocus(Qt::OtherFocusReason);
+}
+
+void CentralArea::returnFocusOnEnter(QWidget* field)
+{
+    field->installEventFilter(this);
+}
+
+bool CentralArea::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        // After the field has taken the Enter itself.
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+            QTimer::singleShot(0, this, &CentralArea::focusImageArea);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 CollectionTabPage* CentralArea::currentPage() const

@@ -40,6 +40,14 @@ public:
     /** Gives the current tab the trimmed @p name; an empty name is refused. */
     bool renameCurrentTab(const QString& name);
 
+    /** Gives the keyboard focus to the current tab's image area, where Ctrl+Z and the Menu key act on items. */
+    void focusImageArea();
+    /**
+     * After Enter in @p field the focus goes back to the image area: a field keeping it would take Ctrl+Z and
+     * Ctrl+Y for its own text.
+     */
+    void returnFocusOnEnter(QWidget* field);
+
     /** Mouse gestures go to @p sink first on every page, present and future. */
     void setToolMouseSink(ToolMouseSink* sink);
     void setItemsMovable(bool movable);
@@ -50,6 +58,9 @@ signals:
     void zoomStepRequested(int steps);
     void itemsDragged(const QList<QSciImage*>& items, int dx, int dy);
     void pointHovered(QSciImage* item, const QPoint& point);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void addPage(CollectionTab* tab);

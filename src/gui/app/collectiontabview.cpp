@@ -1,6 +1,8 @@
 #include "collectiontabview.h"
 
 #include <QContextMenuEvent>
+#include <QCursor>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <cmath>
@@ -101,11 +103,34 @@ void CollectionTabView::mouseReleaseEvent(QMouseEvent* event)
 void CollectionTabView::contextMenuEvent(QContextMenuEvent* event)
 {
     event->accept();
-    if (m_suppressContextMenu) {
+    // A right click that a drawing tool took; the keyboard always gets its menu.
+    if (event->reason() == QContextMenuEvent::Mouse && m_suppressContextMenu) {
         m_suppressContextMenu = false;
         return;
     }
+    // Some platforms follow the Menu key with a menu event of their own: it is open already.
+    if (event->reason() == QContextMenuEvent::Keyboard && m_menuFromKey) {
+        m_menuFromKey = false;
+        return;
+    }
     emit contextMenuRequested(event->globalPos());
+}
+
+void CollectionTabView::keyPressEvent(QKeyEvent* event)
+{
+    const bool menuKey
+        = event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && (event->modifiers() & Qt::ShiftModifier));
+    if (!menuKey) {
+        m_menuFromKey = false;
+        QGraphicsView::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    m_menuFromKey = event->key() == Qt::Key_Menu;
+    // At the mouse when it is over the image area, else in the middle of it.
+    const QPoint cursor = viewport()->mapFromGlobal(QCursor::pos());
+    const QPoint at = viewport()->rect().contains(cursor) ? cursor : viewport()->rect().center();
+    emit contextMenuRequested(viewport()->mapToGlobal(at));
 }
 
 void CollectionTabView::leaveEvent(QEvent* event)

@@ -15,7 +15,9 @@ class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
 class FormNewImage;
+class FormInfo;
 class FormRecalibrateZ;
+class HelpBrowser;
 class ItemClipboard;
 class ItemContextMenu;
 class MainActions;
@@ -44,6 +46,9 @@ class MainWindow : public QMainWindow {
 public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
+
+    /** The help window, made once; the Help menu and the help buttons show their pages in it. */
+    HelpBrowser* helpBrowser() const { return m_helpBrowser; }
 
     /** Appends @p html to the output page, for any subsystem that reports to the user. */
     void appendOutput(const QString& html);
@@ -202,6 +207,11 @@ private:
     void wireItemActions();
     void wireFileActions();
     void wireHistory();
+    void wireHelpActions();
+    /** The help page of the part of the window that has the focus (the index when none has one). */
+    QString contextHelpPage() const;
+    /** "<project> - Velmora", with "*" behind the name while there are unsaved changes. */
+    void updateWindowTitle();
     void wireViewToggle(const char* actionName, QWidget* widget);
     void createTimers();
     void readSettings();
@@ -255,6 +265,8 @@ private:
     FormAdvancedAlignment* m_formAdvancedAlignment = nullptr;
     FormChooseColorGradient* m_formChooseColorGradient = nullptr;
     FormItemProperties* m_formItemProperties = nullptr;
+    HelpBrowser* m_helpBrowser = nullptr;
+    FormInfo* m_formInfo = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_redoAction = nullptr;
     QLabel* m_statusLabel = nullptr;

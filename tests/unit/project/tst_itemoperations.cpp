@@ -72,6 +72,29 @@ private slots:
         QVERIFY(!a->isPixelSelected(7, 0));
     }
 
+    void pictureEditsBecomeVisibleAndRecalibrationStaysFinite()
+    {
+        QSciImage* shown = makeItem(m_tab, QStringLiteral("z shown"), 3, 2, 0, 0, 1);
+        QSciImage* plain = makeItem(m_tab, QStringLiteral("plain"), 3, 2, 0, 0, 1);
+        shown->setDrawSwitches(true, false, true, true);
+        shown->pictureRef().fill(Qt::black);
+        const QList<QSciImage*> switched = ItemOperations::clearPicture(*m_project, { shown, plain });
+        QCOMPARE(switched, QList<QSciImage*> { shown });
+        QVERIFY(!shown->drawZInSciPaint() && shown->drawImageInSciPaint());
+        QVERIFY(!shown->drawMaskInSciPaint()); // the other switches stay as the user set them
+        QCOMPARE(shown->pixel(1, 1), qRgb(255, 255, 255));
+        QVERIFY(ItemOperations::pictureShownText(switched).contains(QStringLiteral("z shown")));
+
+        QString message;
+        const QVector<double> before = plain->zMatrix();
+        QVERIFY(!ItemOperations::recalibrateZ(*m_project, { plain }, 1e308, 0, &message));
+        QVERIFY(!ItemOperations::recalibrateZ(*m_project, { plain }, 1, qQNaN(), &message));
+        QVERIFY(!message.isEmpty());
+        QCOMPARE(plain->zMatrix(), before);
+        QVERIFY(ItemOperations::recalibrateZ(*m_project, { plain }, -2, 1, &message));
+        QCOMPARE(plain->z(2, 1), -2.0 * (1 + 2 + 10) + 1);
+    }
+
     void cutToOverlapKeepsTheCommonArea()
     {
         QSciImage* a = makeItem(m_tab, QStringLiteral("a"), 4, 4, 0, 0, 0);
