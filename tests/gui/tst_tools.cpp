@@ -539,7 +539,9 @@ private slots:
             item->selectAllMask();
             contextClick(QPoint(4, 4));
             QTRY_VERIFY2(menu->isVisible(), tool);
+            QVERIFY(item->isSelected()); // what the menu acts on
             menu->hide();
+            item->setSelected(false);
             QCOMPARE(item->maskSelectedCount(), qsizetype(200)); // the user's mask is kept
             QVERIFY(QSciHistoryManager::instance()->undoNames().isEmpty());
         }
@@ -550,6 +552,10 @@ private slots:
         QTRY_VERIFY(menu->isVisible());
         menu->hide();
         QTest::keyClick(page->tabView(), Qt::Key_F10, Qt::ShiftModifier);
+        QTRY_VERIFY(menu->isVisible());
+        menu->hide();
+        // Also right after picking the tool, with the focus still in the tool list.
+        QTest::keyClick(window.findChild<QTreeWidget*>(QStringLiteral("toolList")), Qt::Key_Menu);
         QTRY_VERIFY(menu->isVisible());
         menu->hide();
 

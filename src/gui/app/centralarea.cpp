@@ -1,5 +1,6 @@
 #include "centralarea.h"
 
+#include <QCoreApplication>
 #include <QGraphicsView>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -80,8 +81,27 @@ void CentralArea::returnFocusOnEnter(QWidget* field)
     field->installEventFilter(this);
 }
 
+void CentralArea::passMenuKeys(QWidget* widget)
+{
+    m_menuKeyWidgets.append(widget);
+    widget->installEventFilter(this);
+}
+
 bool CentralArea::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::KeyPress && m_menuKeyWidgets.contains(watched)) {
+        auto* keyEvent = static_cast<QKeyEvent*>(event);
+        const bool menuKey = keyEvent->key() == Qt::Key_Menu
+            || (keyEvent->key() == Qt::Key_F10 && (keyEvent->modifiers() & Qt::ShiftModifier));
+        CollectionTabPage* page = currentPage();
+        if (menuKey && page) {
+            // Just after picking a tool the focus is still in the list; the keys mean the items all the same.
+            focusImageArea();
+            QCoreApplication::sendEvent(page->view(), event);
+            return true;
+        }
+        return QWidget::eventFilter(watched, event);
+    }
     if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         // After the field has taken the Enter itself.

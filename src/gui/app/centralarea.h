@@ -47,6 +47,8 @@ public:
      * Ctrl+Y for its own text.
      */
     void returnFocusOnEnter(QWidget* field);
+    /** The Menu key and Shift+F10 in @p widget (the tool list) open the item menu, as in the image area. */
+    void passMenuKeys(QWidget* widget);
 
     /** Mouse gestures go to @p sink first on every page, present and future. */
     void setToolMouseSink(ToolMouseSink* sink);
@@ -76,4 +78,5 @@ private:
     ToolMouseSink* m_sink = nullptr;
     bool m_movable = true;
     bool m_following = false;
+    QList<QObject*> m_menuKeyWidgets;
 };

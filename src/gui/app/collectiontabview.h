@@ -48,6 +48,7 @@ protected:
     void leaveEvent(QEvent* event) override;
 
 private:
+    void openKeyboardMenu();
     void rememberDragStart();
     void finishDrag();
 

@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include "centralarea.h"
 #include "collectiontabpage.h"
@@ -147,6 +148,7 @@ void MainWindow::buildForm()
     addDockWidget(Qt::LeftDockWidgetArea, m_toolsDock);
     m_toolBox = new ToolBox(m_toolsDock, this);
     m_toolBox->setProject(m_project);
+    m_central->passMenuKeys(m_toolsDock->toolList());
     setToolMouseSink(m_toolBox);
     connect(m_toolBox, &ToolBox::itemsMovableChanged, this, &MainWindow::setItemsMovable);
     connect(m_toolBox, &ToolBox::outputRequested, this, &MainWindow::appendOutput);

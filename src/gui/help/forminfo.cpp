@@ -38,7 +38,6 @@ QString FormInfo::infoHtml()
         tr("%1 (built with %2)").arg(QString::fromLatin1(qVersion()), QStringLiteral(QT_VERSION_STR)), tr("LGPL 3"));
     html += row(QStringLiteral("SQLite"), SettingsStore::libraryVersion(), tr("public domain"));
     html += row(QStringLiteral("zlib"), CompressedBlock::zlibVersion(), tr("zlib licence"));
-    html += row(QStringLiteral("QCustomPlot"), tr("as installed"), tr("GPL 3"));
     html += QStringLiteral("</table>");
     html += tr("<p><b>Licence</b>: Velmora is distributed under the terms of the licence file that came with "
                "this copy; the libraries above under their own licences, as listed.</p>");
