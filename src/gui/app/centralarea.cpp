@@ -42,8 +42,6 @@ CentralArea::CentralArea(QWidget* parent)
     layout->addWidget(m_tabs, 1);
     layout->addWidget(m_itemInfo);
 
-    // Typed into on purpose only: at start-up the focus belongs to the image area.
-    m_tabName->setFocusPolicy(Qt::ClickFocus);
     returnFocusOnEnter(m_tabName);
     connect(m_rename, &QPushButton::clicked, this, [this] { renameCurrentTab(m_tabName->text()); });
     connect(m_tabName, &QLineEdit::returnPressed, this, [this] { renameCurrentTab(m_tabName->text()); });
