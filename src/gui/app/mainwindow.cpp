@@ -18,6 +18,7 @@
 #include <QToolButton>
 #include <QTreeWidget>
 
+#include "busycursor.h"
 #include "centralarea.h"
 #include "collectiontabpage.h"
 #include "componentsdock.h"
@@ -68,9 +69,11 @@ constexpr double zoomStepFactor = 1.25;
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
+    , m_busyCursor(std::make_unique<BusyCursor>())
     , m_project(new Project(this))
     , m_clipboard(new ItemClipboard(this))
 {
+    BusyIndicator::install(m_busyCursor.get());
     // Files a run that ended abnormally left behind; the settings folder may have changed since the last window.
     QSciHistoryManager* history = QSciHistoryManager::instance();
     history->reloadSettings();
@@ -112,6 +115,7 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow()
 {
+    BusyIndicator::install(nullptr);
     // The project goes first, while the pages and the list that show it can still let go of its items.
     delete m_project;
     m_project = nullptr;

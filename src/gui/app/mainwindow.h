@@ -3,9 +3,11 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
+#include <memory>
 
 #include "core/items/qsciimage.h"
 
+class BusyCursor;
 class CentralArea;
 class CollectionTab;
 class CollectionTabPage;
@@ -249,6 +251,7 @@ private:
     void addNewItem(QSciImage* item, const QString& operationName);
     void runPropertiesDialog(int mode);
 
+    std::unique_ptr<BusyCursor> m_busyCursor;
     Project* m_project = nullptr;
     ItemClipboard* m_clipboard = nullptr;
     MainActions* m_actions = nullptr;

@@ -1,3 +1,4 @@
+#include "core/base/busyindicator.h"
 #include "core/items/qsciimage.h"
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
@@ -93,6 +94,23 @@ private slots:
         QCOMPARE(plain->zMatrix(), before);
         QVERIFY(ItemOperations::recalibrateZ(*m_project, { plain }, -2, 1, &message));
         QCOMPARE(plain->z(2, 1), -2.0 * (1 + 2 + 10) + 1);
+    }
+
+    void largeItemsMakeTheProgramBusyForTheWholeOperation()
+    {
+        struct Recorder final : BusyIndicator {
+            QList<bool> calls;
+            void setBusy(bool busy) override { calls.append(busy); }
+        } recorder;
+        BusyIndicator::install(&recorder);
+        QSciImage* small = makeItem(m_tab, QStringLiteral("small"), 30, 20, 0, 0, 0);
+        auto* large = new QSciImage(1024, 1024, Qt::white);
+        m_tab->addItem(large);
+        ItemOperations::flipHorizontal(*m_project, { small });
+        QVERIFY(recorder.calls.isEmpty());
+        ItemOperations::flipHorizontal(*m_project, { small, large, large });
+        QCOMPARE(recorder.calls, (QList<bool> { true, false }));
+        BusyIndicator::install(nullptr);
     }
 
     void cutToOverlapKeepsTheCommonArea()
