@@ -2,6 +2,7 @@
 #include "clicommand.h"
 #include "cliitems.h"
 #include "cliprogress.h"
+#include "effectcommands.h"
 
 #include "core/display/colorgradient.h"
 #include "core/history/qscihistorymanager.h"
@@ -91,7 +92,7 @@ int setGradient(CliContext& ctx, CliArgs& args, Project& project, QSciImage* ite
 
 const QList<QPair<QString, Operation>>& operations()
 {
-    static const QList<QPair<QString, Operation>> list = {
+    static const QList<QPair<QString, Operation>> list = QList<QPair<QString, Operation>> {
         { QStringLiteral("flip-h"), simple(&ItemOperations::flipHorizontal) },
         { QStringLiteral("flip-v"), simple(&ItemOperations::flipVertical) },
         { QStringLiteral("rotate+90"),
@@ -130,7 +131,7 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("mask-rect"), maskRect },
         { QStringLiteral("set-gradient"), setGradient },
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
-    };
+    } + EffectCommands::operations();
     return list;
 }
 
@@ -173,7 +174,8 @@ QString operationList()
 const CliCommandRegistration registration({ { QStringLiteral("apply"),
     QStringLiteral("apply FILE --out FILE OPERATION [OPTIONS]\n  operations: ") + operationList()
         + QStringLiteral("\n  recalibrate-z --multiply A --add B; mask-rect --rect L,T,W,H (rows from the top); "
-                         "set-gradient --builtin N | --token TEXT"),
+                         "set-gradient --builtin N | --token TEXT\n  ")
+        + EffectCommands::usage(),
     QStringLiteral("one operation of the item context menu on an item file"), runApply, 30 } });
 
 } // namespace

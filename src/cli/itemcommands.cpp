@@ -4,6 +4,7 @@
 
 #include "core/base/messages.h"
 #include "core/display/colorgradient.h"
+#include "core/items/itemdecoration.h"
 #include "core/items/qsciimage.h"
 #include "core/items/textmatrix.h"
 #include "core/processing/syntheticfield.h"
@@ -14,6 +15,7 @@
 #include <limits>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 
 namespace {
 
@@ -201,10 +203,27 @@ int runExport(CliContext& ctx, CliArgs& args, bool mask)
     return CliItems::writeOut(ctx, out, text) ? CliSuccess : CliFailure;
 }
 
+/** "KEY=VALUE" pairs of display element keys; false for a pair without "=" or with an unknown key. */
+bool parseDisplayValues(const QStringList& pairs, QMap<QString, QString>* values)
+{
+    for (const QString& pair : pairs) {
+        const int eq = pair.indexOf(QLatin1Char('='));
+        const QString key = pair.left(eq);
+        const auto& defaults = QSciImage::displayElementDefaults();
+        if (eq < 1
+            || std::none_of(defaults.cbegin(), defaults.cend(), [&key](const auto& d) { return d.first == key; }))
+            return false;
+        values->insert(key, pair.mid(eq + 1));
+    }
+    return true;
+}
+
 int runRender(CliContext& ctx, CliArgs& args)
 {
     const QString out = args.takeRequired(QStringLiteral("--out"));
     const bool fromZ = args.takeFlag(QStringLiteral("--from-z"));
+    const bool decorations = args.takeFlag(QStringLiteral("--decorations"));
+    const QStringList displayValues = args.takeAll(QStringLiteral("--display"));
     bool gradientGiven = false;
     const QString gradientText = args.takeOption(QStringLiteral("--gradient"), &gradientGiven);
     int status = CliSuccess;
@@ -212,10 +231,14 @@ int runRender(CliContext& ctx, CliArgs& args)
         return status;
     ColorGradient gradient;
     QString problem;
-    if (gradientGiven && !fromZ)
-        return usage(ctx, QStringLiteral("--gradient colours the z-matrix: it needs --from-z"));
     if (gradientGiven && !parseGradient(gradientText, &gradient, &problem))
         return usage(ctx, problem);
+    QMap<QString, QString> display;
+    if (!parseDisplayValues(displayValues, &display))
+        return usage(ctx, QStringLiteral("--display needs KEY=VALUE with a display element key"));
+    // Without --from-z the gradient would reach nothing but a z scale: silently ignored, it misleads.
+    if (gradientGiven && !fromZ && !decorations && display.isEmpty())
+        return usage(ctx, QStringLiteral("--gradient colours the z-matrix: it needs --from-z"));
     QSciImage item;
     if (!CliItems::load(ctx, args.positional().first(), item))
         return CliFailure;
@@ -223,10 +246,20 @@ int runRender(CliContext& ctx, CliArgs& args)
         item.setColorGradient(gradient);
     if (fromZ)
         item.mapZToPicture();
+    QImage picture = item.picture();
+    if (decorations || !display.isEmpty()) {
+        QMap<QString, QString> values = item.displayElements();
+        for (auto it = display.cbegin(); it != display.cend(); ++it)
+            values.insert(it.key(), it.value());
+        DisplayElements elements = DisplayElements::fromMap(values);
+        if (decorations)
+            elements.showFigureSet();
+        picture = ItemDecoration::decoratedPicture(item, picture, elements);
+    }
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
-    if (!item.picture().save(&buffer, "PNG"))
+    if (!picture.save(&buffer, "PNG"))
         return ctx.fail(QStringLiteral("Unable to write file: ") + out);
     return CliItems::writeOut(ctx, out, png) ? CliSuccess : CliFailure;
 }
@@ -245,8 +278,11 @@ const CliCommandRegistration registration({
     { QStringLiteral("export-mask"), QStringLiteral("export-mask FILE [--out TEXT]"),
         QStringLiteral("the mask as a text matrix of 1 and 0"),
         [](CliContext& c, CliArgs& a) { return runExport(c, a, true); }, 24 },
-    { QStringLiteral("render"), QStringLiteral("render FILE --out PNG [--from-z] [--gradient N|TOKEN]"),
-        QStringLiteral("the item's picture as PNG, optionally mapped from z first"), runRender, 25 },
+    { QStringLiteral("render"),
+        QStringLiteral(
+            "render FILE --out PNG [--from-z] [--gradient N|TOKEN] [--decorations] [--display KEY=VALUE]..."),
+        QStringLiteral("the item's picture as PNG, optionally mapped from z first, with rulers, title and z scale"),
+        runRender, 25 },
 });
 
 } // namespace

@@ -4,10 +4,12 @@
 #include "core/history/historylog.h"
 #include "core/settings/options.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 #include <QThreadPool>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <unistd.h>
 
 namespace {
@@ -48,7 +50,15 @@ void printHelp(QTextStream& out, const QList<CliCommand>& commands)
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    // Drawn text (rulers, labels) needs fonts, which need a GUI application; only the commands that draw it pay
+    // for one, on the offscreen platform, which needs no display server.
+    const bool drawsText = std::any_of(argv + 1, argv + argc,
+        [](const char* arg) { return qstrcmp(arg, "--decorations") == 0 || qstrncmp(arg, "--display", 9) == 0; });
+    if (drawsText)
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const std::unique_ptr<QCoreApplication> application(
+        drawsText ? new QGuiApplication(argc, argv) : new QCoreApplication(argc, argv));
+    QCoreApplication& app = *application;
     QCoreApplication::setApplicationName(QStringLiteral("velmora-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral(VELMORA_VERSION));
     QTextStream out(stdout);

@@ -74,6 +74,35 @@ private slots:
         QVERIFY(QImage(path("g.png")).pixelColor(0, 0) != QColor(0x10, 0x20, 0x30));
     }
 
+    void renderDecorationsWrapsThePicture()
+    {
+        QCOMPARE(cli({ "new", "--size", "40x30", "--color", "#102030", "--out", path("d.img.velm") }).exitCode, 0);
+        QCOMPARE(cli({ "render", path("d.img.velm"), "--out", path("d.png"), "--decorations" }).exitCode, 0);
+        const QImage figure(path("d.png"));
+        QVERIFY(figure.width() > 40 + 20 && figure.height() > 30);
+
+        // Without rulers on it, the picture stands unchanged inside the margins.
+        QCOMPARE(cli({ "render", path("d.img.velm"), "--out", path("z.png"), "--display", "showZScale=1", "--display",
+                         "showXLabels=1" })
+                     .exitCode,
+            0);
+        const QImage scaled = QImage(path("z.png")).convertToFormat(QImage::Format_RGB32);
+        QVERIFY(scaled.width() > 40 && scaled.height() > 30);
+        QPoint corner(-1, -1);
+        for (int y = 0; y < scaled.height() && corner.x() < 0; ++y)
+            for (int x = 0; x < scaled.width() && corner.x() < 0; ++x)
+                if (scaled.pixel(x, y) == qRgb(0x10, 0x20, 0x30))
+                    corner = QPoint(x, y);
+        QImage bare(40, 30, QImage::Format_RGB32);
+        bare.fill(QColor(0x10, 0x20, 0x30));
+        QCOMPARE(scaled.copy(QRect(corner, bare.size())), bare);
+
+        const CliResult bad
+            = cli({ "render", path("d.img.velm"), "--out", path("x.png"), "--display", "showNothing=1" });
+        QCOMPARE(bad.exitCode, 2);
+        QVERIFY(!QFile::exists(path("x.png")));
+    }
+
     void infoDescribesTheFile()
     {
         QCOMPARE(cli({ "synth", "--size", "6x4", "--seed", "2", "--out", path("i.img.velm") }).exitCode, 0);

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include <QAction>
+#include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QGraphicsScene>
@@ -259,6 +260,45 @@ private slots:
         QCOMPARE(head(work(QStringLiteral("area.pdf")), 5), QByteArray("%PDF-"));
         const QByteArray ps = head(work(QStringLiteral("area.ps")), 200);
         QVERIFY(ps.startsWith("%!PS-Adobe-3.0 EPSF-3.0\n%%BoundingBox: 0 0 "));
+    }
+
+    void displayElementsShowInTheViewAndInExports()
+    {
+        auto w = window();
+        QSciImage* item = addItem(w->project()->currentTab(), QStringLiteral("figure"), QSize(60, 40), QPoint(0, 0));
+        selectAll(*w);
+        ImageGraphicsItem* shown = w->currentCollectionTab()->graphicsItem(item);
+        QCOMPARE(shown->boundingRect(), QRectF(0, 0, 60, 40));
+
+        w->fillDialog = [](QDialog* dialog) {
+            if (dialog->objectName() != QLatin1String("FormItemProperties"))
+                return false;
+            dialog->findChild<QCheckBox*>(QStringLiteral("cbShowZScale"))->setChecked(true);
+            dialog->findChild<QCheckBox*>(QStringLiteral("cbShowTitle"))->setChecked(true);
+            return true;
+        };
+        trigger(*w, "popupImageList_DisplayInfo");
+        QCOMPARE(item->displayElements().value(QStringLiteral("showZLabels")), QStringLiteral("1"));
+        const QRectF decorated = shown->boundingRect();
+        QVERIFY(decorated.top() < 0 && decorated.right() > 60 + 20);
+
+        const QString exports = work(QStringLiteral("figures"));
+        QVERIFY(QDir().mkpath(exports));
+        w->files << exports << exports << exports;
+        trigger(*w, "actionPictures_with_display_elements");
+        trigger(*w, "actionPdf_files");
+        trigger(*w, "actionPostscript_ps_files");
+        QVERIFY2(w->messages.isEmpty(), qPrintable(w->messages.join(QLatin1Char('\n'))));
+        QCOMPARE(QImage(QDir(exports).filePath(QStringLiteral("figure.png"))).size(), decorated.size().toSize());
+        QFile pdf(QDir(exports).filePath(QStringLiteral("figure.pdf")));
+        QVERIFY(pdf.open(QIODevice::ReadOnly));
+        const QByteArray document = pdf.readAll();
+        QVERIFY(document.startsWith("%PDF-") && document.trimmed().endsWith("%%EOF"));
+        QVERIFY(head(QDir(exports).filePath(QStringLiteral("figure.ps")), 200).startsWith("%!PS-Adobe-3.0"));
+
+        trigger(*w, "actionUndo");
+        QCOMPARE(item->displayElements().value(QStringLiteral("showZScale")), QStringLiteral("0"));
+        QCOMPARE(shown->boundingRect(), QRectF(0, 0, 60, 40));
     }
 
     void dialogsFeedTheirOperations()

@@ -10,6 +10,7 @@ ItemProperties ItemProperties::of(const QSciImage& item)
     p.drawZ = item.drawZInSciPaint();
     p.opacity = item.opacity();
     p.position = QPoint(item.left(), item.top());
+    p.displayElements = item.displayElements();
     p.sciValues = item.sciValues();
     p.zCalibrateMultiply = item.zCalibrateMultiply();
     p.zCalibrateAdd = item.zCalibrateAdd();
@@ -25,6 +26,8 @@ void ItemProperties::applyTo(QSciImage& item) const
     item.setDrawSwitches(drawImage, drawMask, drawObjects, drawZ);
     item.setOpacity(opacity);
     item.setPosition(position.x(), position.y());
+    if (!displayElements.isEmpty() && displayElements != item.displayElements())
+        item.setDisplayElements(displayElements);
     item.setSciValues(sciValues);
     item.setZCalibration(zCalibrateMultiply, zCalibrateAdd);
     item.setAbstractText(abstractText);
@@ -35,7 +38,7 @@ void ItemProperties::applyTo(QSciImage& item) const
 bool ItemProperties::operator==(const ItemProperties& o) const
 {
     return name == o.name && drawImage == o.drawImage && drawMask == o.drawMask && drawObjects == o.drawObjects
-        && drawZ == o.drawZ && opacity == o.opacity && position == o.position && sciValues == o.sciValues
-        && zCalibrateMultiply == o.zCalibrateMultiply && zCalibrateAdd == o.zCalibrateAdd
+        && drawZ == o.drawZ && opacity == o.opacity && position == o.position && displayElements == o.displayElements
+        && sciValues == o.sciValues && zCalibrateMultiply == o.zCalibrateMultiply && zCalibrateAdd == o.zCalibrateAdd
         && abstractText == o.abstractText && instrumentHeader == o.instrumentHeader && textLines == o.textLines;
 }

@@ -3,6 +3,7 @@
 #include "core/items/qsciimage.h"
 
 #include <QList>
+#include <QMap>
 #include <QPair>
 #include <QPoint>
 #include <QString>
@@ -22,6 +23,7 @@ struct ItemProperties {
     bool drawZ = false;
     double opacity = 1;
     QPoint position; ///< left and top on the tab
+    QMap<QString, QString> displayElements; ///< rulers, labels, z scale by their stored keys; empty: left alone
 
     // Advanced
     QSciImage::SciValues sciValues;

@@ -107,6 +107,29 @@ QWidget* FormItemProperties::buildDisplayPage()
     for (QCheckBox* box : { m_drawImage, m_drawMask, m_drawObjects, m_drawZ })
         drawingLayout->addWidget(box);
 
+    auto* elements = new QGroupBox(tr("Display elements"), page);
+    auto* elementsLayout = new QGridLayout(elements);
+    const struct {
+        const char* name;
+        const char* text;
+        QStringList keys;
+    } switches[] = {
+        { "cbShowTitle", QT_TR_NOOP("Title"), { QStringLiteral("showTitle") } },
+        { "cbShowZScale", QT_TR_NOOP("Z scale"), { QStringLiteral("showZScale"), QStringLiteral("showZLabels") } },
+        { "cbShowHorizontalRuler", QT_TR_NOOP("Horizontal ruler"), { QStringLiteral("showHorizontalRuler") } },
+        { "cbShowVerticalRuler", QT_TR_NOOP("Vertical ruler"), { QStringLiteral("showVerticalRuler") } },
+        { "cbShowXLabels", QT_TR_NOOP("x axis labels"),
+            { QStringLiteral("showXLabels"), QStringLiteral("showXPosLabel") } },
+        { "cbShowYLabels", QT_TR_NOOP("y axis labels"),
+            { QStringLiteral("showYLabels"), QStringLiteral("showYPosLabel") } },
+    };
+    for (const auto& s : switches) {
+        auto* box = new QCheckBox(tr(s.text), elements);
+        box->setObjectName(QLatin1String(s.name));
+        elementsLayout->addWidget(box, m_elements.size() / 2, m_elements.size() % 2);
+        m_elements.append({ box, s.keys });
+    }
+
     auto* position = new QHBoxLayout;
     position->addWidget(new QLabel(tr("left"), page));
     position->addWidget(m_left);
@@ -121,6 +144,7 @@ QWidget* FormItemProperties::buildDisplayPage()
     auto* layout = new QVBoxLayout(page);
     layout->addLayout(form);
     layout->addWidget(drawing);
+    layout->addWidget(elements);
     layout->addStretch(1);
     return page;
 }
@@ -247,6 +271,8 @@ void FormItemProperties::setProperties(const ItemProperties& p, Mode mode)
     m_opacity = p.opacity;
     m_left->setValue(p.position.x());
     m_top->setValue(p.position.y());
+    for (const auto& element : qAsConst(m_elements))
+        element.first->setChecked(p.displayElements.value(element.second.first()) == QLatin1String("1"));
 
     m_offsetX->setValue(p.sciValues.offsetX);
     m_offsetY->setValue(p.sciValues.offsetY);
@@ -283,6 +309,14 @@ ItemProperties FormItemProperties::properties() const
     p.drawZ = m_drawZ->isChecked();
     p.opacity = m_opacity;
     p.position = QPoint(m_left->value(), m_top->value());
+    for (const auto& element : m_elements) {
+        // A switch left alone keeps what the item stores under its keys.
+        const bool was = m_loaded.displayElements.value(element.second.first()) == QLatin1String("1");
+        if (element.first->isChecked() == was)
+            continue;
+        for (const QString& key : element.second)
+            p.displayElements.insert(key, element.first->isChecked() ? QStringLiteral("1") : QStringLiteral("0"));
+    }
 
     p.sciValues.offsetX = m_offsetX->value();
     p.sciValues.offsetY = m_offsetY->value();

@@ -3,6 +3,8 @@
 #include "core/project/itemproperties.h"
 
 #include <QDialog>
+#include <QPair>
+#include <QStringList>
 #include <QVector>
 
 class NumberField;
@@ -18,8 +20,8 @@ class QTableWidget;
 
 /**
  * Shows and edits the properties of one item, as "Display properties" (name, drawing switches, opacity,
- * position) or "Advanced properties" (calibration, z calibration, abstract, header lines, text lines).
- * It edits a copy: after exec() returned Accepted the caller hands properties() to
+ * position, display elements) or "Advanced properties" (calibration, z calibration, abstract, header lines, text
+ * lines). It edits a copy: after exec() returned Accepted the caller hands properties() to
  * ItemOperations::setProperties, which records the item for undo. Values left alone come back exactly.
  */
 class FormItemProperties final : public QDialog {
@@ -61,6 +63,8 @@ private:
     QDoubleSpinBox* m_opacityBox = nullptr;
     QSpinBox* m_left = nullptr;
     QSpinBox* m_top = nullptr;
+    /** Display element switches, each with the keys it turns on and off together. */
+    QVector<QPair<QCheckBox*, QStringList>> m_elements;
 
     NumberField* m_offsetX = nullptr;
     NumberField* m_offsetY = nullptr;

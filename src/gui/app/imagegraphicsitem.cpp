@@ -1,8 +1,10 @@
 #include "imagegraphicsitem.h"
 
 #include <QPainter>
+#include <QPainterPath>
 #include <QStyleOptionGraphicsItem>
 
+#include "core/items/itemdecoration.h"
 #include "itemrenderer.h"
 
 ImageGraphicsItem::ImageGraphicsItem(QSciImage* item)
@@ -14,6 +16,7 @@ ImageGraphicsItem::ImageGraphicsItem(QSciImage* item)
     connect(item, &QSciImage::placeChanged, this, &ImageGraphicsItem::syncPlace);
     syncPlace();
     setOpacity(item->opacity());
+    updateDecoration();
 }
 
 QRgb ImageGraphicsItem::maskColor()
@@ -23,7 +26,7 @@ QRgb ImageGraphicsItem::maskColor()
 
 QRectF ImageGraphicsItem::boundingRect() const
 {
-    return QRectF(0, 0, m_size.width(), m_size.height());
+    return QRectF(QRect(QPoint(0, 0), m_size).marginsAdded(m_decoration.margins()));
 }
 
 void ImageGraphicsItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*)
@@ -33,6 +36,13 @@ void ImageGraphicsItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*
     if (m_baseDirty) {
         m_base = ItemRenderer::base(*m_item).convertToFormat(QImage::Format_ARGB32_Premultiplied);
         m_baseDirty = false;
+    }
+    if (!m_decoration.isEmpty()) {
+        // The elements' margins get a sheet of paper of their own, so that they read on any tab background.
+        QPainterPath margins;
+        margins.addRect(boundingRect());
+        margins.addRect(QRectF(QPointF(0, 0), QSizeF(m_size)));
+        painter->fillPath(margins, Qt::white);
     }
     painter->drawImage(QPointF(0, 0), m_base);
     if (m_item->drawMaskInSciPaint()) {
@@ -51,6 +61,7 @@ void ImageGraphicsItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*
         if (!m_outlines.isNull())
             painter->drawImage(QPointF(0, 0), m_outlines);
     }
+    m_decoration.paint(painter);
     if (m_decorated && (option->state & QStyle::State_Selected)) {
         QPen pen(QColor(255, 140, 0), 0, Qt::DashLine);
         pen.setCosmetic(true);
@@ -106,6 +117,9 @@ void ImageGraphicsItem::onContentChanged(QSciImage::Parts parts)
         m_size = m_item->size();
         parts |= QSciImage::AllParts;
     }
+    // The elements show the z range, the calibration and the name as well as their own settings.
+    if (parts & (QSciImage::ZPart | QSciImage::DisplayPart | QSciImage::HeaderPart))
+        updateDecoration();
     if (parts & (QSciImage::PicturePart | QSciImage::ZPart | QSciImage::DisplayPart))
         m_baseDirty = true;
     if (parts & (QSciImage::MaskPart | QSciImage::DisplayPart))
@@ -116,4 +130,15 @@ void ImageGraphicsItem::onContentChanged(QSciImage::Parts parts)
     // A whole-item reload (undo, file) may also have moved it.
     syncPlace();
     update();
+}
+
+void ImageGraphicsItem::updateDecoration()
+{
+    if (!m_item)
+        return;
+    const DisplayElements elements = DisplayElements::fromMap(m_item->displayElements());
+    DisplayDecoration decoration = elements.anyShown() ? ItemDecoration::of(*m_item, elements) : DisplayDecoration();
+    if (decoration.margins() != m_decoration.margins())
+        prepareGeometryChange();
+    m_decoration = decoration;
 }

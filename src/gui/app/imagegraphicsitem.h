@@ -4,12 +4,14 @@
 #include <QImage>
 #include <QPointer>
 
+#include "core/display/displaydecoration.h"
 #include "core/items/qsciimage.h"
 
 /**
  * Shows one image item on its tab's scene, one scene unit per data point, at the item's position and
  * stacking order: the picture (or the z-matrix through the item's gradient), the mask as a translucent
- * overlay and the outlines of visible objects, with the item's opacity. Follows the item's change signals
+ * overlay and the outlines of visible objects, with the item's opacity, and around and over them the display
+ * elements the item switches on (the bounding rectangle then takes in their margins). Follows the item's change signals
  * only; the rendered pictures are cached and rebuilt when the parts they show change.
  *
  * Selection runs both ways: selecting the graphics item selects the image item and vice versa.
@@ -42,12 +44,14 @@ protected:
 
 private:
     void onContentChanged(QSciImage::Parts parts);
+    void updateDecoration();
 
     QPointer<QSciImage> m_item;
     QSize m_size;
     QImage m_base;
     QImage m_mask;
     QImage m_outlines;
+    DisplayDecoration m_decoration;
     bool m_baseDirty = true;
     bool m_maskDirty = true;
     bool m_outlinesDirty = true;

@@ -71,6 +71,7 @@ const Entry entries[] = {
     ENTRY(G("Z-matrix"), "Map z-matrix to picture", "popupImageList_mapZToPic"),
     ENTRY(G("Z-matrix"), "Map picture to z-matrix", "popupImageList_mapPicToZ"),
     ENTRY(G("Z-matrix"), "Recalibrate z-matrix", "popupImageList_recalibrateZ"),
+    ENTRY(G("Z-matrix"), "Image processing...", "popupImageList_imageProcessing"),
     ENTRY(nullptr, "Select color gradient", "popupImageList_selectColorGradient"),
     ENTRY(G("Clear"), "Picture", "popupImageList_clearPicture"),
     ENTRY(G("Clear"), "Object-Layer", "popupImageList_clearObjects"),

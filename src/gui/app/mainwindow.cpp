@@ -37,6 +37,7 @@
 #include "formitemproperties.h"
 #include "formnewimage.h"
 #include "formrecalibratez.h"
+#include "gui/processing/formimageprocessing.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "gui/help/forminfo.h"
 #include "gui/help/helpbrowser.h"
@@ -91,6 +92,23 @@ MainWindow::MainWindow(QWidget* parent)
     // The dialogs and panels of the other subsystems are created here, once, parented to the window.
     m_formNewImage = new FormNewImage(this);
     m_formRecalibrateZ = new FormRecalibrateZ(this);
+    m_formImageProcessing = new FormImageProcessing(this);
+    m_formImageProcessing->setProject(m_project, [this] { return selectedItems(); });
+    connect(m_formImageProcessing, &FormImageProcessing::messageRequested, this, &MainWindow::showMessage);
+    const std::pair<const char*, QString> pages[] = {
+        { "actionPlane_correction", QStringLiteral("PlaneCorrectionPanel") },
+        { "actionDrift_correction", QStringLiteral("DriftCorrectionPanel") },
+        { "actionDerivative", QStringLiteral("DerivativePanel") },
+        { "actionDenoise", QStringLiteral("DenoisePanel") },
+    };
+    for (const auto& page : pages)
+        m_actions->wire(page.first, this, [this, name = page.second] { m_formImageProcessing->showPanel(name); });
+    // The Effects menu lists the filters in the order of their kinds, then the peak correction.
+    const char* const filters[]
+        = { "actionGaussian_Blur", "actionSharpen", "actionUnsharp_Mask", "actionMatrix_Convolution",
+              "actionSobel_Edge_Detect", "actionSmoothen", "actionPeak_and_Surface_manipulation" };
+    for (int kind = 0; kind < int(std::size(filters)); ++kind)
+        m_actions->wire(filters[kind], this, [this, kind] { m_formImageProcessing->showFilter(kind); });
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);
@@ -529,6 +547,7 @@ void MainWindow::updateItemInfo()
 {
     QSciImage* item = currentItem();
     if (item != m_infoItem) {
+        m_formImageProcessing->setCurrentItem(item);
         if (m_infoItem)
             disconnect(m_infoItem, nullptr, this, nullptr);
         m_infoItem = item;

@@ -19,6 +19,7 @@ class FormItemProperties;
 class FormNewImage;
 class FormInfo;
 class FormRecalibrateZ;
+class FormImageProcessing;
 class HelpBrowser;
 class ItemClipboard;
 class ItemContextMenu;
@@ -172,6 +173,7 @@ private slots:
     void popupImageList_mapZToPic();
     void popupImageList_mapPicToZ();
     void popupImageList_recalibrateZ();
+    void popupImageList_imageProcessing();
     void popupImageList_selectColorGradient();
     void popupImageList_clearPicture();
     void popupImageList_clearObjects();
@@ -265,6 +267,7 @@ private:
     UndoRedoMenu* m_undoRedoMenu = nullptr;
     FormNewImage* m_formNewImage = nullptr;
     FormRecalibrateZ* m_formRecalibrateZ = nullptr;
+    FormImageProcessing* m_formImageProcessing = nullptr;
     FormAdvancedAlignment* m_formAdvancedAlignment = nullptr;
     FormChooseColorGradient* m_formChooseColorGradient = nullptr;
     FormItemProperties* m_formItemProperties = nullptr;

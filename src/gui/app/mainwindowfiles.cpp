@@ -28,6 +28,7 @@
 #include "core/project/project.h"
 #include "core/project/projectfile.h"
 #include "core/settings/options.h"
+#include "decoratedpicturewriter.h"
 #include "formnewimage.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
@@ -36,7 +37,7 @@
 
 namespace {
 
-enum ItemExport { ZMatrices, Masks, Pictures };
+enum ItemExport { ZMatrices, Masks, Pictures, DecoratedPng, DecoratedPdf, DecoratedPostScript };
 enum AreaExport { AreaPng, AreaPdf, AreaPostScript };
 
 /** A file name made of @p name that is safe on every system, not yet in @p used and not in @p folder (with "/"). */
@@ -85,6 +86,10 @@ void MainWindow::wireFileActions()
     m_actions->wire("actionZ_Matrices", this, &MainWindow::exportZMatrices);
     m_actions->wire("actionMasks", this, &MainWindow::exportMasks);
     m_actions->wire("actionPictures_without_display_elements", this, &MainWindow::exportPictures);
+    for (const char* name : { "actionPictures_s", "actionPictures_with_display_elements" })
+        m_actions->wire(name, this, [this] { exportItems(DecoratedPng); });
+    m_actions->wire("actionPdf_files", this, [this] { exportItems(DecoratedPdf); });
+    m_actions->wire("actionPostscript_ps_files", this, [this] { exportItems(DecoratedPostScript); });
     m_actions->wire("actionVisible_area_as_image", this, &MainWindow::exportVisibleAreaPng);
     m_actions->wire("actionPdf_file", this, &MainWindow::exportVisibleAreaPdf);
     m_actions->wire("actionPostscript_file", this, &MainWindow::exportVisibleAreaPostScript);
@@ -360,11 +365,15 @@ void MainWindow::exportItems(int kind)
     if (items.isEmpty())
         return;
     const QString titles[]
-        = { tr("Z-Matrices (text-files)"), tr("Masks (1,0 text-map)"), tr("Images without display elements as pngs") };
+        = { tr("Z-Matrices (text-files)"), tr("Masks (1,0 text-map)"), tr("Images without display elements as pngs"),
+              tr(".png-files"), tr(".pdf-files"), tr("postscript(.ps)-files") };
     const QString folder = chooseOne(FileChoice::ChooseFolder, "exportPath", titles[kind], QString());
     if (folder.isEmpty())
         return;
-    const QString suffixes[] = { QStringLiteral(".txt"), QStringLiteral("_mask.txt"), QStringLiteral(".png") };
+    const QString suffixes[] = { QStringLiteral(".txt"), QStringLiteral("_mask.txt"), QStringLiteral(".png"),
+        DecoratedPictureWriter::suffix(DecoratedPictureWriter::Png),
+        DecoratedPictureWriter::suffix(DecoratedPictureWriter::Pdf),
+        DecoratedPictureWriter::suffix(DecoratedPictureWriter::PostScript) };
     QSet<QString> used;
     QStringList failures;
     for (const QSciImage* item : items) {
@@ -372,7 +381,9 @@ void MainWindow::exportItems(int kind)
             uniqueFileName(QDir(folder).absolutePath() + QLatin1Char('/'), item->name(), suffixes[kind], &used));
         const QByteArray bytes = kind == ZMatrices ? TextMatrix::write(item->zData(), item->width(), item->height())
             : kind == Masks ? TextMatrix::writeMask(item->maskData(), item->width(), item->height())
-                            : pngBytes(ItemRenderer::base(*item));
+            : kind == Pictures
+            ? pngBytes(ItemRenderer::base(*item))
+            : DecoratedPictureWriter::write(*item, DecoratedPictureWriter::Format(kind - DecoratedPng));
         QString message;
         if (!AtomicFile::write(path, bytes, &message))
             failures.append(message);

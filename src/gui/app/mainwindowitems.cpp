@@ -14,6 +14,7 @@
 #include "formadvancedalignment.h"
 #include "formitemproperties.h"
 #include "formrecalibratez.h"
+#include "gui/processing/formimageprocessing.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "core/history/qscihistorymanager.h"
 #include "core/project/collectiontab.h"
@@ -62,7 +63,7 @@ const Requirement requirements[] = {
     { "popupImageList_mapZToPic", 1 }, { "popupImageList_mapPicToZ", 1 },
     { "popupImageList_clearPicture", 1 }, { "popupImageList_clearObjects", 1 }, { "popupImageList_clearMask", 1 },
     { "popupImageList_duplicate", 1 }, { "popupImageList_alignAdvanced", 2 },
-    { "popupImageList_recalibrateZ", 1 }, { "popupImageList_selectColorGradient", 1 },
+    { "popupImageList_recalibrateZ", 1 }, { "popupImageList_imageProcessing", 1 }, { "popupImageList_selectColorGradient", 1 },
     { "popupImageList_DisplayInfo", 1 }, { "popupImageList_info", 1 },
 };
 
@@ -161,7 +162,9 @@ void MainWindow::updateItemActions()
 
     m_actions->get("actionSave_selected_items")->setEnabled(count > 0);
     // Without a selection the exports take the current item, so that a first export needs no selecting first.
-    for (const char* name : { "actionZ_Matrices", "actionMasks", "actionPictures_without_display_elements" })
+    for (const char* name :
+        { "actionZ_Matrices", "actionMasks", "actionPictures_without_display_elements", "actionPictures_s",
+            "actionPictures_with_display_elements", "actionPdf_files", "actionPostscript_ps_files" })
         m_actions->get(name)->setEnabled(count > 0 || currentItem());
     m_actions->get("actionSave_items_on_current_tab")->setEnabled(tab && tab->count() > 0);
     for (const auto& b : itemButtons)
@@ -466,6 +469,11 @@ void MainWindow::popupImageList_mapZToPic()
 void MainWindow::popupImageList_mapPicToZ()
 {
     ItemOperations::mapPictureToZ(*m_project, selectedItems());
+}
+
+void MainWindow::popupImageList_imageProcessing()
+{
+    m_formImageProcessing->showPanel(QString());
 }
 
 void MainWindow::popupImageList_recalibrateZ()

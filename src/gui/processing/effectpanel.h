@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QWidget>
+
+#include "core/processing/qscieffect.h"
+
+/**
+ * One page of the image-processing dialog: the widgets of one effect's options. A panel owns its effect,
+ * writes every edit into it and says so with changed(); the dialog previews and applies the effect.
+ */
+class EffectPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    virtual QSciEffect& effect() = 0;
+    /** The page's name in the dialog's list; a page that offers several methods names them all. */
+    virtual QString title();
+    /** A point the user picked on the preview (x column, y row from the bottom); most panels ignore it. */
+    virtual void pickPoint(const QPoint& point);
+    /** Reads the effect's options from the settings and shows them. */
+    virtual void readSettings() = 0;
+
+signals:
+    /** An option changed; the effect already holds it. */
+    void changed();
+};
