@@ -13,6 +13,7 @@
 #include "core/project/project.h"
 
 #include <functional>
+#include <limits>
 
 namespace {
 
@@ -35,14 +36,19 @@ Operation simple(void (*operation)(Project&, const QList<QSciImage*>&))
 
 int recalibrate(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
 {
-    bool mulGiven = false, addGiven = false, okMul = true, okAdd = true;
+    bool mulGiven = false, addGiven = false;
     const QString mulText = args.takeOption(QStringLiteral("--multiply"), &mulGiven);
     const QString addText = args.takeOption(QStringLiteral("--add"), &addGiven);
-    const double multiply = mulGiven ? mulText.toDouble(&okMul) : 1.0;
-    const double add = addGiven ? addText.toDouble(&okAdd) : 0.0;
-    if (!okMul || !okAdd || (!mulGiven && !addGiven))
+    if (!mulGiven && !addGiven)
         return usage(ctx, QStringLiteral("recalibrate-z needs --multiply A and/or --add B (numbers)"));
-    ItemOperations::recalibrateZ(project, { item }, multiply, add);
+    constexpr double any = std::numeric_limits<double>::infinity();
+    double multiply = 1.0, add = 0.0;
+    QString problem;
+    if ((mulGiven && !CliItems::parseReal(QStringLiteral("--multiply"), mulText, -any, any, &multiply, &problem))
+        || (addGiven && !CliItems::parseReal(QStringLiteral("--add"), addText, -any, any, &add, &problem)))
+        return usage(ctx, problem);
+    if (!ItemOperations::recalibrateZ(project, { item }, multiply, add, &problem))
+        return ctx.fail(problem);
     return CliSuccess;
 }
 
@@ -76,7 +82,9 @@ int setGradient(CliContext& ctx, CliArgs& args, Project& project, QSciImage* ite
             return usage(ctx, QStringLiteral("--builtin needs 1 to %1").arg(ColorGradient::builtInCount()));
         gradient = ColorGradient::builtIn(n);
     } else {
-        gradient.fromString(token);
+        QString problem;
+        if (!ColorGradient::parseUserText(token, &gradient, &problem))
+            return usage(ctx, problem);
     }
     ItemOperations::setColorGradient(project, { item }, gradient);
     return CliSuccess;
@@ -110,7 +118,11 @@ const QList<QPair<QString, Operation>>& operations()
                 return 0;
             } },
         { QStringLiteral("map-picture-to-z"), simple(&ItemOperations::mapPictureToZ) },
-        { QStringLiteral("clear-picture"), simple(&ItemOperations::clearPicture) },
+        { QStringLiteral("clear-picture"),
+            [](CliContext&, CliArgs&, Project& p, QSciImage* i) {
+                ItemOperations::clearPicture(p, { i });
+                return 0;
+            } },
         { QStringLiteral("clear-objects"), simple(&ItemOperations::clearObjects) },
         { QStringLiteral("clear-mask"), simple(&ItemOperations::clearMask) },
         { QStringLiteral("mask-all"), simple(&ItemOperations::selectAllMask) },

@@ -6,10 +6,26 @@ bool CliArgs::takeFlag(const QString& name)
     if (index < 0)
         return false;
     m_args.removeAt(index);
+    m_args.removeAll(name); // a flag said twice says the same
     return true;
 }
 
 QString CliArgs::takeOption(const QString& name, bool* present)
+{
+    bool found = false;
+    const QString value = takeFirst(name, &found);
+    if (present)
+        *present = found;
+    if (found) {
+        bool again = false;
+        takeFirst(name, &again);
+        if (again && m_error.isEmpty())
+            m_error = QStringLiteral("%1 given more than once").arg(name);
+    }
+    return value;
+}
+
+QString CliArgs::takeFirst(const QString& name, bool* present)
 {
     if (present)
         *present = false;
@@ -44,7 +60,7 @@ QStringList CliArgs::takeAll(const QString& name)
     QStringList values;
     bool present = true;
     while (present) {
-        const QString value = takeOption(name, &present);
+        const QString value = takeFirst(name, &present);
         if (present)
             values.append(value);
     }

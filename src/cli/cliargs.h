@@ -16,7 +16,10 @@ public:
 
     /** Removes "--name" and returns true when it was present. */
     bool takeFlag(const QString& name);
-    /** Removes "--name VALUE" (or "--name=VALUE"); @p missingValue is set when the value is absent. */
+    /**
+     * Removes "--name VALUE" (or "--name=VALUE"); @p present tells whether it was there. A second occurrence
+     * is a usage error: which of two values was meant cannot be guessed.
+     */
     QString takeOption(const QString& name, bool* present = nullptr);
     /** Every occurrence of a repeatable option, in order. */
     QStringList takeAll(const QString& name);
@@ -27,10 +30,14 @@ public:
     QStringList remaining() const { return m_args; }
     /** What is left once every option was taken: the positional arguments. */
     QStringList positional() const;
+    /** A problem with the options taken so far (a missing value, a repeated option); empty when none. */
+    QString takenError() const { return m_error; }
     /** A usage problem found so far, or an option nobody took; empty when all is well. */
     QString usageError() const;
 
 private:
+    QString takeFirst(const QString& name, bool* present);
+
     QStringList m_args;
     QString m_error;
 };

@@ -45,7 +45,9 @@ int runGradient(CliContext& ctx, CliArgs& args)
                 ctx, QStringLiteral("--builtin needs a number from 1 to %1").arg(ColorGradient::builtInCount()));
         gradient = ColorGradient::builtIn(number);
     } else {
-        gradient.fromString(token);
+        QString problem;
+        if (!ColorGradient::parseUserText(token, &gradient, &problem))
+            return usageError(ctx, problem);
     }
 
     double range[3] = { 0, 0, 0 };

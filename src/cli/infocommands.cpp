@@ -2,6 +2,7 @@
 #include "clicommand.h"
 #include "cliitems.h"
 
+#include "core/base/messages.h"
 #include "core/items/itemfile.h"
 #include "core/items/qsciimage.h"
 
@@ -9,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <cmath>
 
 namespace {
 
@@ -20,18 +22,25 @@ QJsonArray pairs(const QList<QPair<QString, QString>>& list)
     return array;
 }
 
+/** Over the finite values only: NaN and infinity mark points a scan did not measure. */
 QJsonObject zStatistics(const QSciImage& item)
 {
     const qsizetype n = qsizetype(item.width()) * item.height();
     const double* z = item.zData();
-    double minimum = n ? z[0] : 0, maximum = minimum, sum = 0;
+    double minimum = 0, maximum = 0, sum = 0;
+    item.zRange(&minimum, &maximum);
+    qsizetype finite = 0;
     for (qsizetype i = 0; i < n; ++i) {
-        minimum = qMin(minimum, z[i]);
-        maximum = qMax(maximum, z[i]);
-        sum += z[i];
+        if (std::isfinite(z[i])) {
+            sum += z[i];
+            ++finite;
+        }
     }
-    return { { QStringLiteral("min"), minimum }, { QStringLiteral("max"), maximum },
-        { QStringLiteral("mean"), n ? sum / double(n) : 0.0 } };
+    // No finite value at all: null, as JSON has no NaN.
+    const auto number = [finite](double value) { return finite ? QJsonValue(value) : QJsonValue(); };
+    return { { QStringLiteral("min"), number(minimum) }, { QStringLiteral("max"), number(maximum) },
+        { QStringLiteral("mean"), number(finite ? sum / double(finite) : 0.0) },
+        { QStringLiteral("nonFinite"), double(n - finite) } };
 }
 
 int runInfo(CliContext& ctx, CliArgs& args)
@@ -44,7 +53,9 @@ int runInfo(CliContext& ctx, CliArgs& args)
     }
     const QString path = args.positional().first();
     if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path))
-        return ctx.fail(QStringLiteral("Unable to read from file: ") + path);
+        return ctx.fail(Messages::unableToReadFromFile(path) + QLatin1Char('\n')
+            + (QFileInfo(path).isDir() ? Messages::tr("is a directory")
+                                       : Messages::tr("not a native file (its name does not end in .img.velm)")));
     ItemFile::Info info;
     QString message;
     if (!ItemFile::readInfo(path, &info, &message))

@@ -2,6 +2,7 @@
 #include "clicommand.h"
 #include "cliitems.h"
 
+#include "core/base/messages.h"
 #include "core/display/colorgradient.h"
 #include "core/items/itemdecoration.h"
 #include "core/items/qsciimage.h"
@@ -10,6 +11,8 @@
 #include "core/settings/options.h"
 
 #include <QBuffer>
+#include <cmath>
+#include <limits>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
@@ -43,19 +46,20 @@ QString baseName(const QString& path)
     return QFileInfo(path).completeBaseName();
 }
 
-/** A gradient given as a built-in number or as a token string. */
-bool parseGradient(const QString& text, ColorGradient* gradient)
+/** A gradient given as a built-in number or as a token string that yields a usable stop. */
+bool parseGradient(const QString& text, ColorGradient* gradient, QString* message)
 {
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
     if (isNumber) {
-        if (number < 1 || number > ColorGradient::builtInCount())
-            return false;
-        *gradient = ColorGradient::builtIn(number);
-        return true;
+        if (number >= 1 && number <= ColorGradient::builtInCount()) {
+            *gradient = ColorGradient::builtIn(number);
+            return true;
+        }
+        *message = QStringLiteral("--gradient needs 1 to %1 or a token string").arg(ColorGradient::builtInCount());
+        return false;
     }
-    gradient->fromString(text);
-    return true;
+    return ColorGradient::parseUserText(text, gradient, message);
 }
 
 int runNew(CliContext& ctx, CliArgs& args)
@@ -69,8 +73,9 @@ int runNew(CliContext& ctx, CliArgs& args)
         return status;
     QSize size;
     QColor color(Qt::white);
-    if (!CliItems::parseSize(sizeText, &size))
-        return usage(ctx, QStringLiteral("--size needs WxH, for example 512x512"));
+    QString problem;
+    if (!CliItems::parseSize(sizeText, &size, &problem))
+        return usage(ctx, problem);
     if (colorGiven && !CliItems::parseColor(colorText, &color))
         return usage(ctx, QStringLiteral("--color needs a colour name or #RRGGBB"));
     QSciImage item(size.width(), size.height(), color);
@@ -92,17 +97,30 @@ int runSynth(CliContext& ctx, CliArgs& args)
         return status;
     SyntheticField::Parameters p;
     QSize size;
-    bool ok = CliItems::parseSize(sizeText, &size);
+    QString problem;
+    if (!CliItems::parseSize(sizeText, &size, &problem))
+        return usage(ctx, problem);
     p.width = size.width();
     p.height = size.height();
-    if (ok && grainsGiven)
-        p.grains = grainsText.toInt(&ok);
-    if (ok && seedGiven)
+    if (grainsGiven) {
+        // Read wide, so that a huge count is called too large rather than malformed.
+        bool ok = false;
+        const qlonglong grains = grainsText.toLongLong(&ok);
+        if (!ok || grains < 0 || grains > SyntheticField::MaxGrains)
+            return usage(
+                ctx, QStringLiteral("--grains needs a whole number from 0 to %1").arg(SyntheticField::MaxGrains));
+        p.grains = int(grains);
+    }
+    if (seedGiven) {
+        bool ok = false;
         p.seed = seedText.toULongLong(&ok);
-    if (ok && noiseGiven)
-        p.noise = noiseText.toDouble(&ok);
-    if (!ok || p.grains < -1 || p.noise < 0)
-        return usage(ctx, QStringLiteral("synth: --size WxH, --grains N >= 0, --seed S, --noise SIGMA >= 0"));
+        if (!ok)
+            return usage(ctx, QStringLiteral("--seed needs a whole number of at least 0"));
+    }
+    if (noiseGiven
+        && !CliItems::parseReal(
+            QStringLiteral("--noise"), noiseText, 0, std::numeric_limits<double>::infinity(), &p.noise, &problem))
+        return usage(ctx, problem);
     QSciImage item(p.width, p.height, Qt::white);
     if (!item.setZMatrix(SyntheticField::generate(p)))
         return ctx.fail(QStringLiteral("synth: the field does not fit the item"));
@@ -129,23 +147,29 @@ int runImportZ(CliContext& ctx, CliArgs& args)
     int status = CliSuccess;
     if (!checkArgs(ctx, args, 1, &status))
         return status;
-    bool ok = true;
-    const double sizeX = xGiven ? xSize.toDouble(&ok) : 0;
-    if (ok && yGiven)
-        (void)ySize.toDouble(&ok);
-    if (!ok)
-        return usage(ctx, QStringLiteral("--x-size and --y-size need numbers"));
+    // A physical size is a length: zero, negative or endless sizes make every later measure wrong.
+    const auto positiveSize = [](const QString& text, double* value) {
+        bool ok = false;
+        *value = text.toDouble(&ok);
+        return ok && std::isfinite(*value) && *value > 0;
+    };
+    double sizeX = 0, sizeY = 0;
+    if ((xGiven && !positiveSize(xSize, &sizeX)) || (yGiven && !positiveSize(ySize, &sizeY)))
+        return usage(ctx, QStringLiteral("--x-size and --y-size need positive finite numbers"));
     const QString path = args.positional().first();
     QFile file(path);
     if (!file.exists())
-        return ctx.fail(QStringLiteral("File does not exist: ") + path);
+        return ctx.fail(Messages::fileDoesNotExist(path));
+    if (QFileInfo(path).isDir())
+        return ctx.fail(Messages::unableToReadFromFile(path) + QStringLiteral("\n") + Messages::tr("is a directory"));
     if (!file.open(QIODevice::ReadOnly))
-        return ctx.fail(QStringLiteral("Unable to open file: ") + path);
+        return ctx.fail(Messages::unableToOpenFile(path) + QStringLiteral("\n")
+            + (file.error() == QFileDevice::PermissionsError ? Messages::tr("permission denied") : file.errorString()));
     QVector<double> z;
     int w = 0, h = 0;
     QString message;
     if (!TextMatrix::read(file.readAll(), &z, &w, &h, &message))
-        return ctx.fail(message + QStringLiteral(": ") + path);
+        return ctx.fail(Messages::unableToReadFromFile(path) + QStringLiteral("\n") + message);
     QSciImage item(w, h, Qt::white);
     (void)item.setZMatrix(z);
     QSciImage::SciValues values;
@@ -153,7 +177,7 @@ int runImportZ(CliContext& ctx, CliArgs& args)
     values.yUnit = units[1];
     values.zUnit = units[2];
     values.sizeX = xGiven ? sizeX : w;
-    values.sizeY = yGiven ? ySize.toDouble() : h;
+    values.sizeY = yGiven ? sizeY : h;
     values.xUnitPerPixel = values.sizeX / w;
     values.yUnitPerPixel = values.sizeY / h;
     item.setSciValues(values);
@@ -206,18 +230,21 @@ int runRender(CliContext& ctx, CliArgs& args)
     if (!checkArgs(ctx, args, 1, &status))
         return status;
     ColorGradient gradient;
-    if (gradientGiven && !parseGradient(gradientText, &gradient))
-        return usage(
-            ctx, QStringLiteral("--gradient needs 1 to %1 or a token string").arg(ColorGradient::builtInCount()));
+    QString problem;
+    if (gradientGiven && !parseGradient(gradientText, &gradient, &problem))
+        return usage(ctx, problem);
     QMap<QString, QString> display;
     if (!parseDisplayValues(displayValues, &display))
         return usage(ctx, QStringLiteral("--display needs KEY=VALUE with a display element key"));
+    // Without --from-z the gradient would reach nothing but a z scale: silently ignored, it misleads.
+    if (gradientGiven && !fromZ && !decorations && display.isEmpty())
+        return usage(ctx, QStringLiteral("--gradient colours the z-matrix: it needs --from-z"));
     QSciImage item;
     if (!CliItems::load(ctx, args.positional().first(), item))
         return CliFailure;
     if (gradientGiven)
         item.setColorGradient(gradient);
-    if (fromZ || gradientGiven)
+    if (fromZ)
         item.mapZToPicture();
     QImage picture = item.picture();
     if (decorations || !display.isEmpty()) {

@@ -1,22 +1,42 @@
 #include "cliargs.h"
 #include "clicommand.h"
 
+#include "core/history/historylog.h"
 #include "core/settings/options.h"
 
 #include <QGuiApplication>
 #include <QThreadPool>
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <unistd.h>
 
 namespace {
+
+/** More worker threads than this only cost memory: no machine has that many cores to feed. */
+constexpr int MaxThreads = 1024;
+
+bool verboseRun = false;
+
+/** Standard output carries a command's result alone; diagnostics go to standard error, and only on request. */
+void messageHandler(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (!verboseRun && (type == QtDebugMsg || type == QtInfoMsg))
+        return;
+    const QByteArray bytes = text.toLocal8Bit();
+    std::fprintf(stderr, "%s\n", bytes.constData());
+    if (type == QtFatalMsg)
+        std::abort();
+}
 
 void printHelp(QTextStream& out, const QList<CliCommand>& commands)
 {
     out << "Usage: velmora-cli COMMAND [OPTIONS] [FILES]\n\n"
            "Global options:\n"
            "  --settings-dir DIR   use DIR as the settings folder (settings.db, history/, temp/)\n"
-           "  --threads N          worker threads (default: all cores)\n"
+           "  --threads N          worker threads (default: all cores, at most 1024)\n"
+           "  --verbose            diagnostic lines (history, settings) on stderr\n"
            "  --help               this text; COMMAND --help for one command\n"
            "  --version            the program's version\n\n"
            "Commands:\n";
@@ -52,6 +72,10 @@ int main(int argc, char** argv)
     const QString threadsText = globals.takeOption(QStringLiteral("--threads"), &threadsGiven);
     const bool help = globals.takeFlag(QStringLiteral("--help")) | globals.takeFlag(QStringLiteral("-h"));
     const bool version = globals.takeFlag(QStringLiteral("--version"));
+    verboseRun = globals.takeFlag(QStringLiteral("--verbose"));
+    qInstallMessageHandler(messageHandler);
+    HistoryLog::setToStandardError(true);
+    HistoryLog::setQuiet(!verboseRun);
     const QStringList rest = globals.remaining();
     const QList<CliCommand> commands = allCliCommands();
 
@@ -59,8 +83,12 @@ int main(int argc, char** argv)
         out << "velmora-cli " << VELMORA_VERSION << Qt::endl;
         return CliSuccess;
     }
-    if ((settingsGiven && settingsDir.isEmpty()) || (!globals.usageError().isEmpty() && rest.isEmpty())) {
-        err << "missing value for a global option" << Qt::endl;
+    if (!globals.takenError().isEmpty()) {
+        err << globals.takenError() << Qt::endl;
+        return CliUsage;
+    }
+    if (settingsGiven && settingsDir.isEmpty()) {
+        err << "missing value for --settings-dir" << Qt::endl;
         return CliUsage;
     }
     if (rest.isEmpty()) {
@@ -84,8 +112,8 @@ int main(int argc, char** argv)
     if (threadsGiven) {
         bool ok = false;
         threads = threadsText.toInt(&ok);
-        if (!ok || threads < 1) {
-            err << "--threads needs a positive number" << Qt::endl;
+        if (!ok || threads < 1 || threads > MaxThreads) {
+            err << "--threads needs a number from 1 to " << MaxThreads << Qt::endl;
             return CliUsage;
         }
         QThreadPool::globalInstance()->setMaxThreadCount(threads);

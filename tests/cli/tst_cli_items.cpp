@@ -69,7 +69,8 @@ private slots:
         const QImage image(path("p.png"));
         QCOMPARE(image.size(), QSize(3, 2));
         QCOMPARE(image.pixelColor(2, 1), QColor(0x10, 0x20, 0x30));
-        QCOMPARE(cli({ "render", path("p.img.velm"), "--out", path("g.png"), "--gradient", "2" }).exitCode, 0);
+        QCOMPARE(
+            cli({ "render", path("p.img.velm"), "--out", path("g.png"), "--from-z", "--gradient", "2" }).exitCode, 0);
         QVERIFY(QImage(path("g.png")).pixelColor(0, 0) != QColor(0x10, 0x20, 0x30));
     }
 

@@ -6,7 +6,9 @@
 #include <QGraphicsScene>
 #include <QLabel>
 #include <QCheckBox>
+#include <QMenu>
 #include <QMouseEvent>
+#include <QStatusBar>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QSpinBox>
@@ -511,6 +513,81 @@ private slots:
         QVERIFY(line.contains(QStringLiteral("probe")));
         QVERIFY(child<QLabel>(tool, "lbDistance")->text().contains(QStringLiteral("2.5 nm")));
         QVERIFY(QSciHistoryManager::instance()->undoNames().isEmpty());
+    }
+
+    void rightClickOpensTheItemMenuUnlessTheToolDraws()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto* item = new QSciImage(20, 10, Qt::white);
+        item->setName(QStringLiteral("probe"));
+        window.project()->currentTab()->addItem(item);
+        CollectionTabPage* page = window.currentCollectionTab();
+        page->setZoomPercent(300); // whole screen pixels per point: the clicks land where they aim
+        auto* menu = window.findChild<QMenu*>(QStringLiteral("popupImageList"));
+        const auto contextClick = [&](const QPoint& p) {
+            mouse(page, item, QEvent::MouseButtonPress, p, Qt::RightButton, Qt::RightButton);
+            const QPoint at = viewAt(page, item, p);
+            QContextMenuEvent event(QContextMenuEvent::Mouse, at, page->tabView()->viewport()->mapToGlobal(at));
+            QApplication::sendEvent(page->tabView()->viewport(), &event);
+            mouse(page, item, QEvent::MouseButtonRelease, p, Qt::RightButton, Qt::NoButton);
+        };
+
+        for (const char* tool : { "RECTANGLE_SELECTION", "MAGICWAND_SELECTION", "MEASURE_DISTANCE" }) {
+            window.toolBox()->setCurrentTool(QLatin1String(tool));
+            item->selectAllMask();
+            contextClick(QPoint(4, 4));
+            QTRY_VERIFY2(menu->isVisible(), tool);
+            QVERIFY(item->isSelected()); // what the menu acts on
+            menu->hide();
+            item->setSelected(false);
+            QCOMPARE(item->maskSelectedCount(), qsizetype(200)); // the user's mask is kept
+            QVERIFY(QSciHistoryManager::instance()->undoNames().isEmpty());
+        }
+
+        // The keyboard opens the menu with any tool, a drawing one too.
+        window.toolBox()->setCurrentTool(QStringLiteral("PENCIL"));
+        QTest::keyClick(page->tabView(), Qt::Key_Menu);
+        QTRY_VERIFY(menu->isVisible());
+        menu->hide();
+        QTest::keyClick(page->tabView(), Qt::Key_F10, Qt::ShiftModifier);
+        QTRY_VERIFY(menu->isVisible());
+        menu->hide();
+        // Also right after picking the tool, with the focus still in the tool list.
+        QTest::keyClick(window.findChild<QTreeWidget*>(QStringLiteral("toolList")), Qt::Key_Menu);
+        QTRY_VERIFY(menu->isVisible());
+        menu->hide();
+
+        // A drawing tool paints with the right colour and keeps the menu closed.
+        window.toolBox()->currentTool()->setRightColor(Qt::blue);
+        contextClick(QPoint(4, 4));
+        QCOMPARE(item->picture().pixelColor(4, 4), QColor(Qt::blue));
+        QTest::qWait(50);
+        QVERIFY(!menu->isVisible());
+    }
+
+    void paintingOnAnItemShowingItsZMatrixShowsThePicture()
+    {
+        MainWindow window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        auto* item = new QSciImage(20, 10, Qt::white);
+        item->setDrawSwitches(true, true, true, true);
+        window.project()->currentTab()->addItem(item);
+        CollectionTabPage* page = window.currentCollectionTab();
+        page->setZoomPercent(300);
+        window.toolBox()->setCurrentTool(QStringLiteral("PENCIL"));
+        window.toolBox()->currentTool()->setLeftColor(Qt::red);
+        drag(page, item, QPoint(2, 2), QPoint(6, 2));
+        QVERIFY(!item->drawZInSciPaint());
+        QCOMPARE(item->picture().pixelColor(4, 2), QColor(Qt::red));
+        QVERIFY(window.statusBar()->currentMessage().contains(QStringLiteral("picture")));
+        QCOMPARE(QSciHistoryManager::instance()->undoNames().size(), 1);
+        QVERIFY(QSciHistoryManager::instance()->undo());
+        item = window.project()->currentTab()->items().last();
+        QVERIFY(item->drawZInSciPaint());
+        QCOMPARE(item->picture().pixelColor(4, 2), QColor(Qt::white));
     }
 };
 

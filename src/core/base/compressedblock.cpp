@@ -417,6 +417,11 @@ bool CompressedBlock::writeTo(QIODevice& device) const
     return true;
 }
 
+QString CompressedBlock::zlibVersion()
+{
+    return QString::fromLatin1(::zlibVersion());
+}
+
 qint64 CompressedBlock::statedSize(const char* data, qsizetype size)
 {
     if (size < 4)

@@ -82,6 +82,9 @@ public:
     QByteArray toByteArray() const;
     [[nodiscard]] bool writeTo(QIODevice& device) const;
 
+    /** The version of the zlib library in use, for the program's info. */
+    static QString zlibVersion();
+
     /** The uncompressed size the 4-byte prefix states, or -1 when @p size is below 4. */
     static qint64 statedSize(const char* data, qsizetype size);
     /** False when @p stated is more than any zlib stream of @p compressedSize bytes (prefix included) can give. */

@@ -3,7 +3,9 @@
 #include "core/base/tokencodec.h"
 #include "core/settings/options.h"
 
+#include <QCoreApplication>
 #include <QHash>
+#include <algorithm>
 #include <QLinearGradient>
 #include <QPainter>
 
@@ -132,6 +134,28 @@ void ColorGradient::fromString(const QString& text)
         m_stops.append(stop);
     }
     rebuildRamp();
+}
+
+bool ColorGradient::hasUsableStop() const
+{
+    return std::any_of(m_stops.cbegin(), m_stops.cend(),
+        [](const GradientStop& stop) { return stop.active && stop.position >= 0.0 && stop.position <= 100.0; });
+}
+
+bool ColorGradient::parseUserText(const QString& text, ColorGradient* gradient, QString* message)
+{
+    ColorGradient parsed;
+    parsed.m_stops.clear();
+    parsed.fromString(text);
+    if (!parsed.hasUsableStop()) {
+        if (message)
+            *message = QCoreApplication::translate(
+                "ColorGradient", "The gradient text holds no active colour stop at a position from 0 to 100: %1")
+                           .arg(text.left(60));
+        return false;
+    }
+    *gradient = parsed;
+    return true;
 }
 
 void ColorGradient::setRepeat(int repeat)

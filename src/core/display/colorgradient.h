@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QString>
 #include <QVector>
+#include <cmath>
 
 /**
  * A colour gradient: colour stops along a percent scale, repeated a number of times across the z range,
@@ -32,6 +33,17 @@ public:
      */
     void fromString(const QString& text);
 
+    /** True when an active stop lies within 0 to 100 percent: without one the gradient paints nothing. */
+    bool hasUsableStop() const;
+    /**
+     * Reads a token string that a user typed: false (and @p gradient unchanged) with a message when the text
+     * yields no usable stop, which would colour every point transparent.
+     */
+    [[nodiscard]] static bool parseUserText(const QString& text, ColorGradient* gradient, QString* message);
+
+    /** Points whose z is NaN or infinite (aborted scans) get this colour in every gradient. */
+    static constexpr QRgb NonFiniteColor = 0xFFFF00FFu;
+
     int repeat() const { return m_repeat; }
     /** Counts below 1 are kept (and written back) but paint as 1. */
     void setRepeat(int repeat);
@@ -49,9 +61,12 @@ public:
     /**
      * The ramp entry of @p z when zMin maps to entry 0 and zMax to the top entry; values outside clamp.
      * A flat range maps z above zMin to the top entry and the rest to entry 0; zMin > zMax mirrors the mapping.
+     * A z that is no finite number gets NonFiniteColor.
      */
     QRgb colorAt(double z, double zMin, double zMax) const
     {
+        if (!std::isfinite(z))
+            return NonFiniteColor;
         double range = zMax - zMin;
         if (range < 1e-200 && range > -1e-200)
             range = range < 0 ? -1e-200 : 1e-200;

@@ -7,15 +7,17 @@
 
 namespace {
 std::atomic<bool> quiet { false };
-}
+std::atomic<bool> toStandardError { false };
+} // namespace
 
 void HistoryLog::plain(const QString& text)
 {
     if (quiet)
         return;
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stdout);
-    std::fputc('\n', stdout);
+    FILE* stream = toStandardError ? stderr : stdout;
+    std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stream);
+    std::fputc('\n', stream);
 }
 
 void HistoryLog::line(const QString& text)
@@ -31,4 +33,9 @@ QString HistoryLog::describe(const QSciImage* item)
 void HistoryLog::setQuiet(bool on)
 {
     quiet = on;
+}
+
+void HistoryLog::setToStandardError(bool on)
+{
+    toStandardError = on;
 }

@@ -14,4 +14,6 @@ public:
     static QString describe(const QSciImage* item);
     /** Quiet mode for benchmarks and noisy tests. */
     static void setQuiet(bool quiet);
+    /** Sends the lines to standard error, for programs whose standard output is their result. */
+    static void setToStandardError(bool on);
 };

@@ -6,6 +6,7 @@
 #include "qscihistorytransaction.h"
 
 #include "core/base/messages.h"
+#include "core/base/progresssink.h"
 #include "core/settings/options.h"
 
 #include <QCoreApplication>
@@ -156,7 +157,7 @@ void QSciHistoryManager::rollbackTransaction()
     if (!m_current)
         return;
     HistoryLog::line(QStringLiteral("Roll back transaction ") + m_current->name());
-    step(m_current, true);
+    step(m_current, true, nullptr);
     cancelTransaction();
 }
 
@@ -181,7 +182,7 @@ void QSciHistoryManager::sizeCheck()
     emit changed();
 }
 
-bool QSciHistoryManager::undo(QString* message)
+bool QSciHistoryManager::undo(QString* message, ProgressSink* progress)
 {
     if (m_undo.isEmpty() || m_current) {
         if (message)
@@ -189,13 +190,13 @@ bool QSciHistoryManager::undo(QString* message)
         return false;
     }
     QSciHistoryTransaction* transaction = m_undo.last();
-    step(transaction, true);
+    step(transaction, true, progress);
     m_redo.append(m_undo.takeLast());
     emit changed();
     return true;
 }
 
-bool QSciHistoryManager::redo(QString* message)
+bool QSciHistoryManager::redo(QString* message, ProgressSink* progress)
 {
     if (m_redo.isEmpty() || m_current) {
         if (message)
@@ -203,14 +204,16 @@ bool QSciHistoryManager::redo(QString* message)
         return false;
     }
     QSciHistoryTransaction* transaction = m_redo.last();
-    step(transaction, false);
+    step(transaction, false, progress);
     m_undo.append(m_redo.takeLast());
     emit changed();
     return true;
 }
 
-void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo)
+void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo, ProgressSink* progress)
 {
+    NullProgressSink none;
+    ProgressSink& sink = progress ? *progress : none;
     QSciHistoryHost* host = transaction->host();
     QList<QSciHistoryToken*> tokens = transaction->tokens();
     if (undo)
@@ -241,7 +244,10 @@ void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo)
             host->historyDeleteItem(item);
     };
 
+    sink.begin(transaction->name(), tokens.size());
+    int done = 0;
     for (QSciHistoryToken* token : qAsConst(tokens)) {
+        sink.step(done++);
         switch (token->mode()) {
         case QSciHistoryToken::SaveOnly:
             token->save(nextTag());
@@ -284,6 +290,8 @@ void QSciHistoryManager::step(QSciHistoryTransaction* transaction, bool undo)
             break;
         }
     }
+    sink.step(done);
+    sink.end();
 }
 
 void QSciHistoryManager::replaceReferences(quint64 oldSerial, QSciImage* replacement, QSciHistoryHost* host)

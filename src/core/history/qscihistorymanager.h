@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QStringList>
 
+class ProgressSink;
 class QLockFile;
 class QSciHistoryHost;
 class QSciHistoryToken;
@@ -53,9 +54,12 @@ public:
     /** Undoes what the running transaction recorded so far, then cancels it: items and lists as before. */
     void rollbackTransaction();
 
-    /** False with "Nothing to undo" when the undo list is empty. */
-    bool undo(QString* message = nullptr);
-    bool redo(QString* message = nullptr);
+    /**
+     * False with "Nothing to undo" when the undo list is empty. @p progress hears one step per recorded item;
+     * a step once begun is not cancelled, so a half-undone state never arises.
+     */
+    bool undo(QString* message = nullptr, ProgressSink* progress = nullptr);
+    bool redo(QString* message = nullptr, ProgressSink* progress = nullptr);
     QStringList undoNames() const;
     QStringList redoNames() const;
     /** Drops every transaction of @p host (its project closes), or all with nullptr. */
@@ -76,7 +80,7 @@ private:
     /** Makes the token of @p mode for @p item in the running transaction. */
     bool record(QSciImage* item, int mode, QSciImage::Parts parts);
     void sizeCheck();
-    void step(QSciHistoryTransaction* transaction, bool undo);
+    void step(QSciHistoryTransaction* transaction, bool undo, ProgressSink* progress);
     void replaceReferences(quint64 oldSerial, QSciImage* replacement, QSciHistoryHost* host);
     void destroyTransactions(QList<QSciHistoryTransaction*>& list);
 

@@ -1,5 +1,6 @@
 #include "itemfile.h"
 
+#include "core/base/atomicfile.h"
 #include "core/base/compressedblock.h"
 #include "core/base/messages.h"
 #include "core/base/tokencodec.h"
@@ -8,7 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
-#include <QSaveFile>
 #include <QtConcurrent/QtConcurrentRun>
 #include <QtEndian>
 #include <cstring>
@@ -182,19 +182,32 @@ public:
     {
     }
 
-    bool next(Block* block)
+    /** The next block, named @p what in the reason given when it cannot be read. */
+    bool next(Block* block, const QString& what, QString* reason)
     {
         qsizetype p = m_pos;
         qint64 length = 0;
         while (p < m_size && m_data[p] != '|') {
             const char c = m_data[p];
-            if (c < '0' || c > '9' || p - m_pos >= MaxLengthDigits)
+            if (c < '0' || c > '9' || p - m_pos >= MaxLengthDigits) {
+                *reason = Messages::tr("the length of the %1 at byte %2 is no number").arg(what).arg(m_pos);
                 return false;
+            }
             length = length * 10 + (c - '0');
             ++p;
         }
-        if (p >= m_size || p == m_pos || length < 4 || length > m_size - (p + 1))
+        if (p >= m_size || p == m_pos) {
+            *reason = Messages::tr("file ends at byte %1, before the %2").arg(m_size).arg(what);
             return false;
+        }
+        if (length < 4) {
+            *reason = Messages::tr("the %1 at byte %2 is too short to be a compressed block").arg(what).arg(m_pos);
+            return false;
+        }
+        if (length > m_size - (p + 1)) {
+            *reason = Messages::tr("file ends at byte %1, the %2 needs %3").arg(m_size).arg(what).arg(p + 1 + length);
+            return false;
+        }
         block->data = m_data + p + 1;
         block->size = qsizetype(length);
         block->stated = CompressedBlock::statedSize(block->data, block->size);
@@ -293,8 +306,14 @@ public:
     bool open(const QString& path, QString* message)
     {
         m_file.setFileName(path);
+        if (QFileInfo(path).isDir()) {
+            *message = Messages::unableToReadFromFile(path) + QLatin1Char('\n') + Messages::tr("is a directory");
+            return false;
+        }
         if (!m_file.open(QIODevice::ReadOnly)) {
-            *message = Messages::unableToOpenFile(path);
+            const QString reason = m_file.error() == QFileDevice::PermissionsError ? Messages::tr("permission denied")
+                                                                                   : m_file.errorString();
+            *message = Messages::unableToOpenFile(path) + QLatin1Char('\n') + reason;
             return false;
         }
         const qint64 size = m_file.size();
@@ -319,19 +338,31 @@ private:
 };
 
 /** Reads the framing and the header of the whole file; the matrix blocks are located but not inflated. */
-bool parseFile(const FileBytes& bytes, ParsedFile* file)
+bool parseFile(const FileBytes& bytes, ParsedFile* file, QString* reason)
 {
+    if (bytes.size() == 0) {
+        *reason = Messages::tr("the file is empty");
+        return false;
+    }
     BlockCursor cursor(bytes.data(), bytes.size());
     Block& header = file->blocks[HeaderBlock];
-    if (!cursor.next(&header) || header.size > MaxHeaderBytes)
+    if (!cursor.next(&header, Messages::tr("header"), reason))
         return false;
+    if (header.size > MaxHeaderBytes) {
+        *reason = Messages::tr("the header is larger than %1 bytes").arg(MaxHeaderBytes);
+        return false;
+    }
     QByteArray raw;
     if (!CompressedBlock::uncompress(
-            QByteArray::fromRawData(header.data, int(header.size)), &raw, MaxHeaderBytes, nullptr))
+            QByteArray::fromRawData(header.data, int(header.size)), &raw, MaxHeaderBytes, nullptr)) {
+        *reason = Messages::tr("a compressed block is damaged (the header)");
         return false;
+    }
     const int end = raw.indexOf('\0');
-    if (!parseHeaderText(QString::fromUtf8(raw.constData(), end < 0 ? raw.size() : end), file))
+    if (!parseHeaderText(QString::fromUtf8(raw.constData(), end < 0 ? raw.size() : end), file)) {
+        *reason = Messages::tr("the header is not that of an item file");
         return false;
+    }
     ItemFile::Info& info = file->info;
     info.blockSizes[HeaderBlock] = header.size;
     info.statedSizes[HeaderBlock] = header.stated;
@@ -339,7 +370,8 @@ bool parseFile(const FileBytes& bytes, ParsedFile* file)
     for (int b = MaskBlock; b <= ZBlock; ++b) {
         if (!present[b])
             continue;
-        if (!cursor.next(&file->blocks[b]))
+        const QString names[] = { QString(), Messages::tr("mask"), Messages::tr("picture"), Messages::tr("z-matrix") };
+        if (!cursor.next(&file->blocks[b], names[b], reason))
             return false;
         info.blockSizes[b] = file->blocks[b].size;
         info.statedSizes[b] = file->blocks[b].stated;
@@ -559,25 +591,20 @@ bool ItemFile::write(const QSciImage& item, const QString& path, const PartFlags
     }
     const QVector<CompressedBlock> blocks = CompressedBlock::compressAll(requests);
 
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        if (message)
-            *message = Messages::unableToOpenFile(path);
+    AtomicFile file(path);
+    if (!file.open(message))
         return false;
-    }
     for (const CompressedBlock& block : blocks) {
         const QByteArray length = QByteArray::number(qint64(block.size())) + '|';
-        if (file.write(length) != length.size() || !block.writeTo(file)) {
-            file.cancelWriting();
-            break;
+        if (file.device()->write(length) != length.size() || !block.writeTo(*file.device())) {
+            const QString reason = file.device()->errorString();
+            file.cancel();
+            if (message)
+                *message = Messages::unableToWriteFile(path) + QLatin1Char('\n') + reason;
+            return false;
         }
     }
-    if (!file.commit()) {
-        if (message)
-            *message = Messages::unableToWriteFile(path);
-        return false;
-    }
-    return true;
+    return file.commit(message);
 }
 
 bool ItemFile::write(const QSciImage& item, const QString& path, QSciImage::Parts parts, bool quick, QString* message)
@@ -623,12 +650,13 @@ bool ItemFile::load(QSciImage& item, const QString& path, bool setFileName, bool
         return true;
     }
 
+    const QString unreadable = Messages::unableToReadFromFile(path) + QLatin1Char('\n');
     FileBytes bytes;
     if (!bytes.open(path, &problem))
         return fail(problem);
     ParsedFile file;
-    if (!parseFile(bytes, &file))
-        return fail(Messages::unableToReadFromFile(path));
+    if (!parseFile(bytes, &file, &problem))
+        return fail(unreadable + problem);
     QList<QSciSingleObject> objects;
     for (const QString& text : qAsConst(file.objectTexts)) {
         QSciSingleObject object;
@@ -638,14 +666,15 @@ bool ItemFile::load(QSciImage& item, const QString& path, bool setFileName, bool
     }
     Content content;
     if (!inflateContent(file, &content))
-        return fail(Messages::unableToReadFromFile(path));
+        return fail(unreadable + Messages::tr("a compressed block is damaged"));
 
     const int w = file.info.width, h = file.info.height;
     const QSize oldSize = reset ? QSize(100, 100) : item.size();
     const bool sameSize = oldSize == QSize(w, h);
     const bool backed = !content.mask.isEmpty() || !content.picture.isNull() || !content.z.isEmpty();
     if (!sameSize && !backed && qint64(w) * h > UnbackedPointLimit)
-        return fail(Messages::unableToReadFromFile(path));
+        return fail(unreadable
+            + Messages::tr("the header states %1 x %2 points, but no matrix block holds them").arg(w).arg(h));
 
     // Everything is read: from here on the item changes, and nothing can fail.
     const bool wasLoading = item.isLoading();
@@ -717,9 +746,9 @@ bool ItemFile::readInfo(const QString& path, Info* info, QString* message)
         return false;
     }
     ParsedFile file;
-    if (!parseFile(bytes, &file)) {
+    if (!parseFile(bytes, &file, &problem)) {
         if (message)
-            *message = Messages::unableToReadFromFile(path);
+            *message = Messages::unableToReadFromFile(path) + QLatin1Char('\n') + problem;
         return false;
     }
     *info = file.info;

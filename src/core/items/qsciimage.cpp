@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <limits>
 
@@ -99,8 +100,10 @@ void colorizeColumns(
                 const double* row = z + y;
                 for (int x = tx; x < tx1; ++x) {
                     // ColorGradient::colorAt, inlined: the same expression, truncation and clamping.
-                    const double t = (row[qsizetype(x) * h] - low) / range * ColorGradient::RampSize;
-                    line[x] = ramp[t > 0 ? (t < top ? int(t) : top) : 0];
+                    const double v = row[qsizetype(x) * h];
+                    const double t = (v - low) / range * ColorGradient::RampSize;
+                    line[x]
+                        = std::isfinite(v) ? ramp[t > 0 ? (t < top ? int(t) : top) : 0] : ColorGradient::NonFiniteColor;
                 }
             }
         }
@@ -125,23 +128,33 @@ void greyColumns(const uchar* bits, qsizetype bpl, int h, const double* levels, 
     }
 }
 
-/** Minimum and maximum of n values; a NaN never wins a comparison and so is skipped. */
+/**
+ * Minimum and maximum of the finite ones of n values. NaN and infinity mark missing points (aborted scans): a NaN
+ * never wins a comparison, and an infinity is replaced by a value that cannot win either.
+ */
 void minMax(const double* z, qsizetype n, double* low, double* high)
 {
     constexpr double inf = std::numeric_limits<double>::infinity();
+    constexpr double max = std::numeric_limits<double>::max();
     double lo[4] = { inf, inf, inf, inf };
     double hi[4] = { -inf, -inf, -inf, -inf };
     qsizetype i = 0;
     for (; i + 4 <= n; i += 4) {
         for (int k = 0; k < 4; ++k) {
             const double v = z[i + k];
-            lo[k] = v < lo[k] ? v : lo[k];
-            hi[k] = v > hi[k] ? v : hi[k];
+            // +inf never beats a minimum, -inf never a maximum; only the other infinity needs turning round.
+            const double forLow = v < -max ? inf : v;
+            const double forHigh = v > max ? -inf : v;
+            lo[k] = forLow < lo[k] ? forLow : lo[k];
+            hi[k] = forHigh > hi[k] ? forHigh : hi[k];
         }
     }
     for (; i < n; ++i) {
-        lo[0] = z[i] < lo[0] ? z[i] : lo[0];
-        hi[0] = z[i] > hi[0] ? z[i] : hi[0];
+        const double v = z[i];
+        if (std::isfinite(v)) {
+            lo[0] = v < lo[0] ? v : lo[0];
+            hi[0] = v > hi[0] ? v : hi[0];
+        }
     }
     *low = std::min({ lo[0], lo[1], lo[2], lo[3] });
     *high = std::max({ hi[0], hi[1], hi[2], hi[3] });
@@ -238,9 +251,10 @@ void QSciImage::copyFrom(const QSciImage& other)
 
 QString QSciImage::tooLargeText(qint64 width, qint64 height)
 {
-    return QCoreApplication::translate("QSciImage", "The item would be too large: %1 x %2 points")
+    return QCoreApplication::translate("QSciImage", "The item would be too large: %1 x %2 points (at most %3 points)")
         .arg(width)
-        .arg(height);
+        .arg(height)
+        .arg(MaxPoints);
 }
 
 QSciImage* QSciImage::duplicate() const

@@ -107,9 +107,10 @@ public:
     QVector<double> zMatrix() const { return m_z; }
     /** Replaces the z-matrix; false when @p z does not hold W*H values. */
     [[nodiscard]] bool setZMatrix(const QVector<double>& z);
+    /** The extremes of the finite z values (NaN and infinity mark unmeasured points); NaN when there is none. */
     double zMin() const;
     double zMax() const;
-    /** Both extremes in one pass over the matrix. */
+    /** Both extremes in one pass over the matrix, finite values only. */
     void zRange(double* zMin, double* zMax) const;
 
     // ---- picture -----------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #include "textmatrix.h"
 
 #include "core/base/messages.h"
+#include "core/items/qsciimage.h"
 
 #include <QList>
 #include <cstring>
@@ -45,12 +46,27 @@ QByteArray TextMatrix::writeMask(const uchar* mask, int width, int height)
 bool TextMatrix::read(const QByteArray& text, QVector<double>* z, int* width, int* height, QString* message)
 {
     QList<QVector<double>> rows;
+    qint64 values = 0;
     int lineNumber = 0;
     for (const QByteArray& line : text.split('\n')) {
         ++lineNumber;
-        const QList<QByteArray> fields = line.simplified().split(' ');
+        if (line.trimmed().startsWith('#'))
+            continue;
+        // Spreadsheets write commas, semicolons or tabs between values; all of them separate, like blanks.
+        QByteArray plain = line;
+        for (char& c : plain) {
+            if (c == ',' || c == ';')
+                c = ' ';
+        }
+        const QList<QByteArray> fields = plain.simplified().split(' ');
         if (fields.size() == 1 && fields.first().isEmpty())
             continue;
+        values += fields.size();
+        if (values > QSciImage::MaxPoints) {
+            *message = Messages::tr("the matrix holds more than %1 values, more than one item can hold")
+                           .arg(QSciImage::MaxPoints);
+            return false;
+        }
         QVector<double> row;
         row.reserve(fields.size());
         for (const QByteArray& field : fields) {

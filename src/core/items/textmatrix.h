@@ -6,7 +6,8 @@
 
 /**
  * Text matrices: one line per row, the first line the TOP row, values separated by one tab and written
- * with 17 significant digits. Readers take any blank space between values and skip empty lines.
+ * with 17 significant digits. Readers take blanks, tabs, commas and semicolons between values and skip empty lines
+ * and lines beginning with "#".
  * In memory the values are column by column with rows from the bottom, as the image item holds them.
  */
 class TextMatrix final {

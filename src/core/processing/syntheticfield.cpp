@@ -43,7 +43,7 @@ QVector<double> SyntheticField::generate(const Parameters& p)
         const double k = 2 * M_PI / wavelength;
         waves.append({ k * std::cos(angle), k * std::sin(angle), amplitude, phase });
     }
-    const int grainCount = p.grains >= 0 ? p.grains : int(qint64(w) * h / 8192);
+    const int grainCount = qMin(SyntheticField::MaxGrains, p.grains >= 0 ? p.grains : int(qint64(w) * h / 8192));
     QVector<Grain> grains;
     for (int i = 0; i < grainCount; ++i)
         grains.append({ rng.range(0, w), rng.range(0, h), rng.range(4, 20), rng.range(8, 20) });

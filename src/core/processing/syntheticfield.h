@@ -9,10 +9,13 @@
  */
 class SyntheticField final {
 public:
+    /** Each grain costs memory before a point is drawn; beyond this a field is all grain anyway. */
+    static constexpr int MaxGrains = 1000000;
+
     struct Parameters {
         int width = 256;
         int height = 256;
-        int grains = -1; ///< -1: one grain per 8192 points
+        int grains = -1; ///< below 0: one grain per 8192 points; at most MaxGrains are drawn
         uint64_t seed = 12345;
         double noise = 0.05;
     };

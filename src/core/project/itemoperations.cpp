@@ -11,6 +11,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace {
@@ -103,10 +104,25 @@ void ItemOperations::mapPictureToZ(Project& project, const QList<QSciImage*>& it
     apply(project, items, tr("Map picture to z-matrix"), QSciImage::ZPart, [](QSciImage& i) { i.mapPictureToZ(); });
 }
 
-void ItemOperations::recalibrateZ(Project& project, const QList<QSciImage*>& items, double multiply, double add)
+bool ItemOperations::recalibrateZ(
+    Project& project, const QList<QSciImage*>& items, double multiply, double add, QString* message)
 {
+    bool finite = std::isfinite(multiply) && std::isfinite(add);
+    for (const QSciImage* item : items) {
+        double low = 0, high = 0;
+        item->zRange(&low, &high);
+        // The extremes map to the extremes, so checking them checks every point.
+        if (finite && std::isfinite(low))
+            finite = std::isfinite(low * multiply + add) && std::isfinite(high * multiply + add);
+    }
+    if (!finite) {
+        if (message)
+            *message = tr("Recalibrate z-matrix: the result would hold values that are no finite numbers.");
+        return false;
+    }
     apply(project, items, tr("Recalibrate z-matrix"), QSciImage::ZPart | QSciImage::HeaderPart,
         [=](QSciImage& i) { i.recalibrateZ(multiply, add); });
+    return true;
 }
 
 void ItemOperations::flipHorizontal(Project& project, const QList<QSciImage*>& items)
@@ -136,9 +152,38 @@ void ItemOperations::cutToMaskBorder(Project& project, const QList<QSciImage*>& 
         [](QSciImage& i) { i.cutToMaskBorderRect(); });
 }
 
-void ItemOperations::clearPicture(Project& project, const QList<QSciImage*>& items)
+QList<QSciImage*> ItemOperations::clearPicture(Project& project, const QList<QSciImage*>& items)
 {
-    apply(project, items, tr("Clear picture"), QSciImage::PicturePart, [](QSciImage& i) { i.clearPicture(); });
+    return editPicture(project, items, tr("Clear picture"), [](QSciImage& i) { i.clearPicture(); });
+}
+
+QList<QSciImage*> ItemOperations::editPicture(Project& project, const QList<QSciImage*>& items, const QString& name,
+    const std::function<void(QSciImage&)>& change)
+{
+    QList<QSciImage*> switched;
+    std::copy_if(items.cbegin(), items.cend(), std::back_inserter(switched),
+        [](const QSciImage* i) { return i->drawZInSciPaint(); });
+    const QSciImage::Parts parts = switched.isEmpty() ? QSciImage::Parts(QSciImage::PicturePart)
+                                                      : QSciImage::PicturePart | QSciImage::DisplayPart;
+    apply(project, items, name, parts, [&](QSciImage& i) {
+        change(i);
+        if (i.drawZInSciPaint())
+            i.setDrawSwitches(true, i.drawMaskInSciPaint(), i.drawObjectsInSciPaint(), false);
+    });
+    // A step that could not be recorded was rolled back, switches and all.
+    switched.erase(
+        std::remove_if(switched.begin(), switched.end(), [](const QSciImage* i) { return i->drawZInSciPaint(); }),
+        switched.end());
+    return switched;
+}
+
+QString ItemOperations::pictureShownText(const QList<QSciImage*>& switched)
+{
+    if (switched.size() == 1)
+        return tr("\"%1\" showed its z-matrix; it now shows its picture, where the change was made.")
+            .arg(switched.first()->name());
+    return tr("%1 items showed their z-matrix; they now show their picture, where the change was made.")
+        .arg(switched.size());
 }
 
 void ItemOperations::clearObjects(Project& project, const QList<QSciImage*>& items)

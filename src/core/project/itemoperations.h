@@ -20,13 +20,30 @@ class ItemOperations final {
 public:
     static void mapZToPicture(Project& project, const QList<QSciImage*>& items, ProgressSink* progress = nullptr);
     static void mapPictureToZ(Project& project, const QList<QSciImage*>& items);
-    static void recalibrateZ(Project& project, const QList<QSciImage*>& items, double multiply, double add);
+    /**
+     * z' = z * multiply + add. Refused (false with a message, nothing changed) when the numbers or the result
+     * for any item would not be finite: NaN and infinity stand for missing points and must not be made.
+     */
+    static bool recalibrateZ(
+        Project& project, const QList<QSciImage*>& items, double multiply, double add, QString* message = nullptr);
     static void flipHorizontal(Project& project, const QList<QSciImage*>& items);
     static void flipVertical(Project& project, const QList<QSciImage*>& items);
     /** +90 (clockwise), -90 or 180. */
     static void rotate(Project& project, const QList<QSciImage*>& items, int degrees);
     static void cutToMaskBorder(Project& project, const QList<QSciImage*>& items);
-    static void clearPicture(Project& project, const QList<QSciImage*>& items);
+    /**
+     * Clears the pictures through editPicture(); returns the items that were switched to showing their picture.
+     */
+    static QList<QSciImage*> clearPicture(Project& project, const QList<QSciImage*>& items);
+    /**
+     * Runs a change of the pictures (drawing, clearing) as one transaction named @p name. An item that shows its
+     * z-matrix through its gradient would hide the change, so it is switched to showing its picture in the same
+     * step (undo switches it back). Returns the items so switched.
+     */
+    static QList<QSciImage*> editPicture(Project& project, const QList<QSciImage*>& items, const QString& name,
+        const std::function<void(QSciImage&)>& change);
+    /** The status-bar note on items that editPicture() switched to their picture. */
+    static QString pictureShownText(const QList<QSciImage*>& switched);
     static void clearObjects(Project& project, const QList<QSciImage*>& items);
     static void clearMask(Project& project, const QList<QSciImage*>& items);
     static void selectAllMask(Project& project, const QList<QSciImage*>& items);

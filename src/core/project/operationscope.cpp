@@ -26,6 +26,8 @@ OperationScope::~OperationScope()
 
 bool OperationScope::record(QSciImage* item, QSciImage::Parts parts)
 {
+    if (!m_busy && qint64(item->width()) * item->height() >= BusyPoints)
+        m_busy = std::make_unique<BusyIndicator::Scope>();
     return QSciHistoryManager::instance()->saveItem(item, parts);
 }
 

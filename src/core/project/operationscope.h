@@ -3,6 +3,9 @@
 #include "core/items/qsciimage.h"
 
 #include <QString>
+#include <memory>
+
+#include "core/base/busyindicator.h"
 
 class CollectionTab;
 class Project;
@@ -10,7 +13,7 @@ class Project;
 /**
  * One user-visible change to items: the single place where operations record what they are about to
  * change, so undo can bring it back. Record an item's parts BEFORE changing them. A scope that is
- * destroyed without commit() is cancelled.
+ * destroyed without commit() is cancelled. From the first large item recorded on, the program counts as busy.
  */
 class OperationScope final {
 public:
@@ -33,7 +36,11 @@ public:
     /** Takes back what was changed so far and cancels: a cancelled operation leaves no trace. */
     void rollback();
 
+    /** Items of at least this many points make an operation long enough for a busy cursor. */
+    static constexpr qint64 BusyPoints = qint64(1) << 20;
+
 private:
+    std::unique_ptr<BusyIndicator::Scope> m_busy;
     Project* m_project;
     CollectionTab* m_tab;
     QString m_name;

@@ -46,7 +46,7 @@ QString resolveSettingsDir(const QString& requested)
 
 QString workingDir(const QString& key, const QString& fallback)
 {
-    const QString dir = withSlash(Options::getString(key, fallback));
+    const QString dir = withSlash(Options::getPath(key, fallback));
     QDir().mkpath(dir);
     return dir;
 }
@@ -177,6 +177,15 @@ QString Options::getString(const QString& key, const QString& defaultValue, Sett
     QString value = defaultValue;
     pick(store)->get(key, value);
     return value;
+}
+
+QString Options::getPath(const QString& key, const QString& defaultValue, SettingsStore* store)
+{
+    QString value;
+    if (!pick(store)->get(key, value))
+        return defaultValue;
+    // The store reads its bytes as Latin-1; they are the UTF-8 that setString() wrote.
+    return QString::fromUtf8(value.toLatin1());
 }
 
 int Options::getInt(const QString& key, int defaultValue, SettingsStore* store)

@@ -35,6 +35,11 @@ public:
     static bool setBool(const QString& key, bool value, SettingsStore* store = nullptr);
     static bool setColor(const QString& key, const QColor& value, SettingsStore* store = nullptr);
     static QString getString(const QString& key, const QString& defaultValue, SettingsStore* store = nullptr);
+    /**
+     * A text stored by setString() as it was written, characters beyond ASCII included (getString() returns
+     * those as their UTF-8 bytes). For folder and file names, which would otherwise no longer be found.
+     */
+    static QString getPath(const QString& key, const QString& defaultValue, SettingsStore* store = nullptr);
     static int getInt(const QString& key, int defaultValue, SettingsStore* store = nullptr);
     static double getDouble(const QString& key, double defaultValue, SettingsStore* store = nullptr);
     static bool getBool(const QString& key, bool defaultValue, SettingsStore* store = nullptr);

@@ -5,6 +5,7 @@
 #include <QMutexLocker>
 
 #include <sqlite3.h>
+#include <atomic>
 
 Q_LOGGING_CATEGORY(lcSettings, "velmora.settings")
 
@@ -26,6 +27,11 @@ QString columnLatin1(sqlite3_stmt* statement)
 
 } // namespace
 
+QString SettingsStore::libraryVersion()
+{
+    return QString::fromLatin1(sqlite3_libversion());
+}
+
 SettingsStore::~SettingsStore()
 {
     close();
@@ -33,6 +39,10 @@ SettingsStore::~SettingsStore()
 
 void SettingsStore::logDbError(const char* line)
 {
+    // A read-only or broken database fails on every access; one report per run says it all.
+    static std::atomic<bool> reported { false };
+    if (reported.exchange(true))
+        return;
     qCDebug(lcSettings).noquote() << QString::fromLatin1(line);
     qCDebug(lcSettings).noquote() << QString::fromUtf8(m_db ? sqlite3_errmsg(m_db) : "no database");
 }
@@ -93,8 +103,8 @@ bool SettingsStore::execute(const QString& statement)
         return false;
     char* error = nullptr;
     if (sqlite3_exec(m_db, statement.toUtf8().constData(), nullptr, nullptr, &error) != SQLITE_OK) {
-        qCDebug(lcSettings).noquote() << QString::fromUtf8(error ? error : "unknown error");
         sqlite3_free(error);
+        logDbError("Error executing settings statement");
         return false;
     }
     return true;

@@ -23,6 +23,8 @@ public:
     bool open(const QString& fileName, bool create);
     void close();
     bool isOpen() const { return m_open; }
+    /** The version of the SQLite library in use, for the program's info. */
+    static QString libraryVersion();
     QString fileName() const { return m_fileName; }
 
     bool set(const QString& key, const QString& value);

@@ -1,10 +1,14 @@
 #include "centralarea.h"
 
+#include <QCoreApplication>
+#include <QGraphicsView>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "collectiontabpage.h"
@@ -38,6 +42,7 @@ CentralArea::CentralArea(QWidget* parent)
     layout->addWidget(m_tabs, 1);
     layout->addWidget(m_itemInfo);
 
+    returnFocusOnEnter(m_tabName);
     connect(m_rename, &QPushButton::clicked, this, [this] { renameCurrentTab(m_tabName->text()); });
     connect(m_tabName, &QLineEdit::returnPressed, this, [this] { renameCurrentTab(m_tabName->text()); });
     connect(m_tabs, &QTabWidget::currentChanged, this, &CentralArea::onCurrentChanged);
@@ -61,6 +66,47 @@ void CentralArea::setProject(Project* project)
     connect(project, &Project::tabRemoved, this, &CentralArea::removePage);
     connect(project, &Project::currentTabChanged, this, &CentralArea::onProjectCurrentChanged);
     onProjectCurrentChanged(project->currentIndex());
+}
+
+void CentralArea::focusImageArea()
+{
+    if (CollectionTabPage* page = currentPage())
+        page->view()->setFocus(Qt::OtherFocusReason);
+}
+
+void CentralArea::returnFocusOnEnter(QWidget* field)
+{
+    field->installEventFilter(this);
+}
+
+void CentralArea::passMenuKeys(QWidget* widget)
+{
+    m_menuKeyWidgets.append(widget);
+    widget->installEventFilter(this);
+}
+
+bool CentralArea::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress && m_menuKeyWidgets.contains(watched)) {
+        auto* keyEvent = static_cast<QKeyEvent*>(event);
+        const bool menuKey = keyEvent->key() == Qt::Key_Menu
+            || (keyEvent->key() == Qt::Key_F10 && (keyEvent->modifiers() & Qt::ShiftModifier));
+        CollectionTabPage* page = currentPage();
+        if (menuKey && page) {
+            // Just after picking a tool the focus is still in the list; the keys mean the items all the same.
+            focusImageArea();
+            QCoreApplication::sendEvent(page->view(), event);
+            return true;
+        }
+        return QWidget::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        // After the field has taken the Enter itself.
+        if (key == Qt::Key_Return || key == Qt::Key_Enter)
+            QTimer::singleShot(0, this, &CentralArea::focusImageArea);
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 CollectionTabPage* CentralArea::currentPage() const

@@ -40,6 +40,16 @@ public:
     /** Gives the current tab the trimmed @p name; an empty name is refused. */
     bool renameCurrentTab(const QString& name);
 
+    /** Gives the keyboard focus to the current tab's image area, where Ctrl+Z and the Menu key act on items. */
+    void focusImageArea();
+    /**
+     * After Enter in @p field the focus goes back to the image area: a field keeping it would take Ctrl+Z and
+     * Ctrl+Y for its own text.
+     */
+    void returnFocusOnEnter(QWidget* field);
+    /** The Menu key and Shift+F10 in @p widget (the tool list) open the item menu, as in the image area. */
+    void passMenuKeys(QWidget* widget);
+
     /** Mouse gestures go to @p sink first on every page, present and future. */
     void setToolMouseSink(ToolMouseSink* sink);
     void setItemsMovable(bool movable);
@@ -50,6 +60,9 @@ signals:
     void zoomStepRequested(int steps);
     void itemsDragged(const QList<QSciImage*>& items, int dx, int dy);
     void pointHovered(QSciImage* item, const QPoint& point);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void addPage(CollectionTab* tab);
@@ -65,4 +78,5 @@ private:
     ToolMouseSink* m_sink = nullptr;
     bool m_movable = true;
     bool m_following = false;
+    QList<QObject*> m_menuKeyWidgets;
 };

@@ -2,6 +2,7 @@
 
 #include <QGraphicsScene>
 #include <QPainter>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "collectiontabview.h"
@@ -19,6 +20,15 @@ CollectionTabPage::CollectionTabPage(CollectionTab* tab, QWidget* parent)
     connect(m_view, &CollectionTabView::zoomStepRequested, this, &CollectionTabPage::zoomStepRequested);
     connect(m_view, &CollectionTabView::itemsDragged, this, &CollectionTabPage::itemsDragged);
     connect(m_view, &CollectionTabView::pointHovered, this, &CollectionTabPage::pointHovered);
+
+    // A scene left to itself only ever grows: after a huge item shrank, the view would scroll over emptiness.
+    connect(m_scene, &QGraphicsScene::changed, this, [this] {
+        if (m_fitPending)
+            return;
+        m_fitPending = true;
+        QTimer::singleShot(0, this, &CollectionTabPage::fitSceneToItems);
+    });
+    fitSceneToItems();
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -79,6 +89,20 @@ void CollectionTabPage::renderVisibleArea(QPainter* painter, const QRectF& targe
     m_scene->render(painter, target, visibleSceneRect(), Qt::KeepAspectRatio);
     for (ImageGraphicsItem* graphics : qAsConst(m_items))
         graphics->setDecorated(true);
+}
+
+void CollectionTabPage::fitSceneToItems()
+{
+    m_fitPending = false;
+    QRectF bounds;
+    for (const ImageGraphicsItem* graphics : qAsConst(m_items)) {
+        if (graphics->isVisible())
+            bounds |= graphics->sceneBoundingRect();
+    }
+    // The origin stays in view, where new items go.
+    bounds |= QRectF(0, 0, 1, 1);
+    if (m_scene->sceneRect() != bounds)
+        m_scene->setSceneRect(bounds);
 }
 
 void CollectionTabPage::addGraphicsItem(QSciImage* item)

@@ -44,6 +44,8 @@ public:
     QRectF visibleSceneRect() const;
     /** Paints the visible part of the tab into @p target, without selection frames. */
     void renderVisibleArea(QPainter* painter, const QRectF& target);
+    /** Makes the scrollable area the items' bounding rectangle, so that it shrinks when items shrink or go. */
+    void fitSceneToItems();
 
 signals:
     /** The user asked for the item context menu at @p globalPos. */
@@ -62,4 +64,5 @@ private:
     QHash<const QSciImage*, ImageGraphicsItem*> m_items;
     int m_zoomPercent = 100;
     bool m_movable = true;
+    bool m_fitPending = false;
 };

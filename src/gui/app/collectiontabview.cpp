@@ -1,6 +1,8 @@
 #include "collectiontabview.h"
 
 #include <QContextMenuEvent>
+#include <QCursor>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
 #include <cmath>
@@ -60,10 +62,16 @@ void CollectionTabView::mousePressEvent(QMouseEvent* event)
         event->accept();
         return;
     }
-    // A right click on an item outside the selection makes it the selection, as file managers do.
-    if (event->button() == Qt::RightButton && under && !under->isSelected()) {
-        scene()->clearSelection();
-        under->setSelected(true);
+    // A right click on an item outside the selection makes it the selection, as file managers do. The scene
+    // does not see it: items that a tool keeps fixed ignore presses, and the scene would then clear the selection
+    // that the menu is about to act on.
+    if (event->button() == Qt::RightButton) {
+        if (under && !under->isSelected()) {
+            scene()->clearSelection();
+            under->setSelected(true);
+        }
+        event->accept();
+        return;
     }
     QGraphicsView::mousePressEvent(event);
     if (event->button() == Qt::LeftButton)
@@ -101,11 +109,46 @@ void CollectionTabView::mouseReleaseEvent(QMouseEvent* event)
 void CollectionTabView::contextMenuEvent(QContextMenuEvent* event)
 {
     event->accept();
-    if (m_suppressContextMenu) {
+    // A right click that a drawing tool took; the keyboard always gets its menu.
+    if (event->reason() == QContextMenuEvent::Mouse && m_suppressContextMenu) {
         m_suppressContextMenu = false;
         return;
     }
+    // Some platforms follow the Menu key with a menu event of their own: it is open already.
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        if (!m_menuFromKey)
+            openKeyboardMenu();
+        m_menuFromKey = false;
+        return;
+    }
     emit contextMenuRequested(event->globalPos());
+}
+
+void CollectionTabView::openKeyboardMenu()
+{
+    // At the mouse when it is over the image area, else in the middle of it; with nothing selected, the menu is
+    // for the item it opens over.
+    const QPoint cursor = viewport()->mapFromGlobal(QCursor::pos());
+    const QPoint at = viewport()->rect().contains(cursor) ? cursor : viewport()->rect().center();
+    if (scene()->selectedItems().isEmpty()) {
+        if (ImageGraphicsItem* under = imageAt(at))
+            under->setSelected(true);
+    }
+    emit contextMenuRequested(viewport()->mapToGlobal(at));
+}
+
+void CollectionTabView::keyPressEvent(QKeyEvent* event)
+{
+    const bool menuKey
+        = event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && (event->modifiers() & Qt::ShiftModifier));
+    if (!menuKey) {
+        m_menuFromKey = false;
+        QGraphicsView::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    m_menuFromKey = event->key() == Qt::Key_Menu;
+    openKeyboardMenu();
 }
 
 void CollectionTabView::leaveEvent(QEvent* event)

@@ -44,9 +44,11 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void leaveEvent(QEvent* event) override;
 
 private:
+    void openKeyboardMenu();
     void rememberDragStart();
     void finishDrag();
 
@@ -55,5 +57,6 @@ private:
     bool m_toolGesture = false;
     QPointer<QSciImage> m_toolItem;
     bool m_suppressContextMenu = false;
+    bool m_menuFromKey = false;
     QList<QPair<QPointer<ImageGraphicsItem>, QPoint>> m_dragStart;
 };

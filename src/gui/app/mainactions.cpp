@@ -1,8 +1,11 @@
 #include "mainactions.h"
 
+#include <QActionEvent>
 #include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPointer>
+#include <algorithm>
 
 namespace {
 
@@ -128,6 +131,48 @@ MainActions::MainActions(QObject* parent)
         get(name)->setCheckable(true);
 }
 
+void MainActions::followEntries(QMenu* menu)
+{
+    menu->installEventFilter(this);
+    for (QAction* action : menu->actions()) {
+        if (action->menu())
+            followEntries(action->menu());
+    }
+    updateEnabled(menu);
+}
+
+void MainActions::updateEnabled(QMenu* menu)
+{
+    const QList<QAction*> entries = menu->actions();
+    // A sub-menu counts through its own menu action, which this rule keeps in step.
+    menu->menuAction()->setEnabled(std::any_of(entries.cbegin(), entries.cend(),
+        [](const QAction* entry) { return !entry->isSeparator() && entry->isEnabled() && entry->isVisible(); }));
+}
+
+bool MainActions::eventFilter(QObject* watched, QEvent* event)
+{
+    const QEvent::Type type = event->type();
+    if (type == QEvent::ActionAdded || type == QEvent::ActionChanged || type == QEvent::ActionRemoved) {
+        if (auto* menu = qobject_cast<QMenu*>(watched)) {
+            QAction* action = static_cast<QActionEvent*>(event)->action();
+            if (type == QEvent::ActionAdded && action->menu())
+                followEntries(action->menu());
+            // Removal is announced before the action goes: look again once it has.
+            if (type == QEvent::ActionRemoved)
+                QMetaObject::invokeMethod(
+                    this,
+                    [menu = QPointer<QMenu>(menu)] {
+                        if (menu)
+                            updateEnabled(menu);
+                    },
+                    Qt::QueuedConnection);
+            else
+                updateEnabled(menu);
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
 QAction* MainActions::get(const char* name) const
 {
     auto* action = findChild<QAction*>(QLatin1String(name), Qt::FindDirectChildrenOnly);
@@ -212,4 +257,9 @@ void MainActions::buildMenus(QMenuBar* bar)
         { "actionIntroduction", "actionIndex", "actionContext_Help", nullptr, "actionPDF", "actionEPub",
             "actionKindle_mobi", "actionWord_Document_doc", nullptr, "actionPDF_2", "actionEPub_2",
             "actionWindows_Help_chm", nullptr, "actionInfo" });
+
+    for (QAction* top : bar->actions()) {
+        if (top->menu())
+            followEntries(top->menu());
+    }
 }

@@ -31,14 +31,25 @@ public:
         return action;
     }
 
-    /** Fills @p bar with the File, Effects, Image processing, View and Help menus. */
+    /**
+     * Fills @p bar with the File, Effects, Image processing, View and Help menus. A menu or sub-menu none of
+     * whose entries can be chosen is disabled itself, and follows its entries from then on.
+     */
     void buildMenus(QMenuBar* bar);
+
+    /** Keeps @p menu, and every sub-menu it holds or is given later, disabled exactly while nothing in it is enabled.
+     */
+    void followEntries(QMenu* menu);
 
     QMenu* newMenu() const { return m_menuNew; }
     QMenu* exportMenu() const { return m_menuExport; }
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void addAll(QMenu* menu, std::initializer_list<const char*> names) const;
+    static void updateEnabled(QMenu* menu);
 
     QMenu* m_menuNew = nullptr;
     QMenu* m_menuExport = nullptr;

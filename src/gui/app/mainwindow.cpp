@@ -1,10 +1,12 @@
 #include "mainwindow.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDataStream>
 #include <QDateTime>
 #include <QDockWidget>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
@@ -14,7 +16,9 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
+#include <QTreeWidget>
 
+#include "busycursor.h"
 #include "centralarea.h"
 #include "collectiontabpage.h"
 #include "componentsdock.h"
@@ -40,6 +44,8 @@
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
 #include "gui/display/formchoosecolorgradient.h"
+#include "gui/help/forminfo.h"
+#include "gui/help/helpbrowser.h"
 #include "gui/tools/toolbox.h"
 #include "itemcontextmenu.h"
 #include "iteminfowidget.h"
@@ -69,9 +75,11 @@ constexpr double zoomStepFactor = 1.25;
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent)
+    , m_busyCursor(std::make_unique<BusyCursor>())
     , m_project(new Project(this))
     , m_clipboard(new ItemClipboard(this))
 {
+    BusyIndicator::install(m_busyCursor.get());
     // Files a run that ended abnormally left behind; the settings folder may have changed since the last window.
     QSciHistoryManager* history = QSciHistoryManager::instance();
     history->reloadSettings();
@@ -81,7 +89,8 @@ MainWindow::MainWindow(QWidget* parent)
     buildForm();
     createToolBars();
     wireActions();
-    setWindowTitle(tr("Velmora"));
+    connect(m_project, &Project::modifiedChanged, this, &MainWindow::updateWindowTitle);
+    updateWindowTitle();
     QListWidget* imageList = m_componentsDock->imageList();
     connect(imageList, &QListWidget::itemSelectionChanged, this, &MainWindow::onImageList_updateSelectionAndVisibility);
     connect(imageList, &QListWidget::itemChanged, this, &MainWindow::imageList_changed);
@@ -141,12 +150,16 @@ MainWindow::MainWindow(QWidget* parent)
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);
+    m_helpBrowser = new HelpBrowser(this);
+    m_formInfo = new FormInfo(this);
+    wireHelpActions();
     createTimers();
     readSettings();
     readLastProject();
     wireHistory();
     addFirstStartDemo();
     m_project->setModified(false);
+    updateWindowTitle();
     updateItemActions();
 
     // Work that needs a visible window runs as soon as the event loop has started.
@@ -158,6 +171,7 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow()
 {
+    BusyIndicator::install(nullptr);
     // The project goes first, while the pages and the list that show it can still let go of its items.
     delete m_project;
     m_project = nullptr;
@@ -194,9 +208,12 @@ void MainWindow::buildForm()
     addDockWidget(Qt::LeftDockWidgetArea, m_toolsDock);
     m_toolBox = new ToolBox(m_toolsDock, this);
     m_toolBox->setProject(m_project);
+    m_central->passMenuKeys(m_toolsDock->toolList());
     setToolMouseSink(m_toolBox);
     connect(m_toolBox, &ToolBox::itemsMovableChanged, this, &MainWindow::setItemsMovable);
     connect(m_toolBox, &ToolBox::outputRequested, this, &MainWindow::appendOutput);
+    connect(m_toolBox, &ToolBox::statusMessageRequested, this,
+        [this](const QString& text) { statusBar()->showMessage(text, 8000); });
     m_componentsDock = new ComponentsDock(this);
     addDockWidget(Qt::RightDockWidgetArea, m_componentsDock);
     m_componentsDock->setProject(m_project);
@@ -231,6 +248,7 @@ void MainWindow::createToolBars()
     onToolbarVisibilityChanged(true);
 
     connect(m_toolBars->zoomBox(), QOverload<int>::of(&QSpinBox::valueChanged), this, &MainWindow::setCurrentZoom);
+    m_central->returnFocusOnEnter(m_toolBars->zoomBox());
     connect(m_toolBars->zoom100Button(), &QToolButton::clicked, this, &MainWindow::on_pbZoom100Percent_clicked);
 }
 
@@ -333,9 +351,44 @@ void MainWindow::writeSettings() const
     Options::setBool(key("applyFormulaToSelectedCells"), m_documentsDock->onlySelectedCells()->isChecked());
 }
 
+void MainWindow::wireHelpActions()
+{
+    const QString index = QStringLiteral("Index.html");
+    m_actions->wire("actionIntroduction", this, [this, index] { m_helpBrowser->showPage(index); });
+    m_actions->wire("actionIndex", this, [this, index] { m_helpBrowser->showPage(index); });
+    m_actions->wire("actionContext_Help", this, [this] { m_helpBrowser->showPage(contextHelpPage()); });
+    m_actions->get("actionContext_Help")->setShortcut(QKeySequence::HelpContents);
+    m_actions->wire("actionInfo", this, [this] { runDialog(m_formInfo); });
+}
+
+QString MainWindow::contextHelpPage() const
+{
+    const QWidget* focus = QApplication::focusWidget();
+    const auto within = [focus](const QWidget* area) { return focus && area && area->isAncestorOf(focus); };
+    if (within(m_componentsDock))
+        return QStringLiteral("Componentlist.html");
+    if (within(m_toolsDock) || within(m_central))
+        return QStringLiteral("Defaultcursor.html");
+    if (within(m_documentsDock))
+        return QStringLiteral("Outputpage.html");
+    return QStringLiteral("Index.html");
+}
+
+void MainWindow::updateWindowTitle()
+{
+    const QString folder = m_project->fileName();
+    // A fresh start with nothing done yet is just the program.
+    if (folder.isEmpty() && !m_project->isModified()) {
+        setWindowTitle(tr("Velmora"));
+        return;
+    }
+    const QString name = folder.isEmpty() ? tr("New project") : QFileInfo(folder).fileName();
+    setWindowTitle(tr("%1%2 - Velmora").arg(name, m_project->isModified() ? QStringLiteral("*") : QString()));
+}
+
 void MainWindow::readLastProject()
 {
-    m_lastProjectFilename = Options::getString(key("lastProjectFilename"), QString());
+    m_lastProjectFilename = Options::getPath(key("lastProjectFilename"), QString());
     QAction* reopen = m_actions->get("action_reopen_last_project");
     reopen->setEnabled(!m_lastProjectFilename.isEmpty());
     if (!m_lastProjectFilename.isEmpty())
@@ -346,6 +399,7 @@ void MainWindow::rememberLastProject(const QString& folder)
 {
     Options::setString(key("lastProjectFilename"), folder);
     readLastProject();
+    updateWindowTitle();
 }
 
 void MainWindow::addFirstStartDemo()
@@ -464,6 +518,7 @@ void MainWindow::creationTimerEvent()
     m_updateStatusBarTimer->start();
     m_updateSelectionStatusTimer->start();
     updateStatusBarTimerEvent();
+    m_central->focusImageArea();
 }
 
 void MainWindow::onPointHovered(QSciImage* item, const QPoint& point)

@@ -3,9 +3,11 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
+#include <memory>
 
 #include "core/items/qsciimage.h"
 
+class BusyCursor;
 class CentralArea;
 class CollectionTab;
 class CollectionTabPage;
@@ -15,10 +17,12 @@ class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
 class FormNewImage;
+class FormInfo;
 class FormRecalibrateZ;
 class FormImageProcessing;
 class FormFourierTransform;
 class FormRoughness;
+class HelpBrowser;
 class ItemClipboard;
 class ItemContextMenu;
 class MainActions;
@@ -47,6 +51,9 @@ class MainWindow : public QMainWindow {
 public:
     explicit MainWindow(QWidget* parent = nullptr);
     ~MainWindow() override;
+
+    /** The help window, made once; the Help menu and the help buttons show their pages in it. */
+    HelpBrowser* helpBrowser() const { return m_helpBrowser; }
 
     /** Appends @p html to the output page, for any subsystem that reports to the user. */
     void appendOutput(const QString& html);
@@ -206,6 +213,11 @@ private:
     void wireItemActions();
     void wireFileActions();
     void wireHistory();
+    void wireHelpActions();
+    /** The help page of the part of the window that has the focus (the index when none has one). */
+    QString contextHelpPage() const;
+    /** "<project> - Velmora", with "*" behind the name while there are unsaved changes. */
+    void updateWindowTitle();
     void wireViewToggle(const char* actionName, QWidget* widget);
     void createTimers();
     void readSettings();
@@ -243,6 +255,7 @@ private:
     void addNewItem(QSciImage* item, const QString& operationName);
     void runPropertiesDialog(int mode);
 
+    std::unique_ptr<BusyCursor> m_busyCursor;
     Project* m_project = nullptr;
     ItemClipboard* m_clipboard = nullptr;
     MainActions* m_actions = nullptr;
@@ -262,6 +275,8 @@ private:
     FormAdvancedAlignment* m_formAdvancedAlignment = nullptr;
     FormChooseColorGradient* m_formChooseColorGradient = nullptr;
     FormItemProperties* m_formItemProperties = nullptr;
+    HelpBrowser* m_helpBrowser = nullptr;
+    FormInfo* m_formInfo = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_redoAction = nullptr;
     QLabel* m_statusLabel = nullptr;

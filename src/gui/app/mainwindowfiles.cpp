@@ -141,7 +141,7 @@ bool MainWindow::choosePrinter(QPrinter* printer)
 QStringList MainWindow::chooseList(FileChoice kind, const char* pathKey, const QString& title, const QString& filter)
 {
     const QString key = QLatin1String("MainWindow.") + QLatin1String(pathKey);
-    QString folder = Options::getString(key, QString());
+    QString folder = Options::getPath(key, QString());
     if (folder.isEmpty() || !QFileInfo(folder).isDir())
         folder = Options::homeDir();
     QStringList chosen = chooseFiles(kind, title, folder, filter);
@@ -267,6 +267,7 @@ void MainWindow::clearProject()
     m_project->setCurrentIndex(0);
     m_project->setFileName(QString());
     m_project->setModified(false);
+    updateWindowTitle();
 }
 
 bool MainWindow::askToSaveModified(const QString& title)
@@ -358,7 +359,9 @@ void MainWindow::exportPictures()
 
 void MainWindow::exportItems(int kind)
 {
-    const QList<QSciImage*> items = selectedItems();
+    QList<QSciImage*> items = selectedItems();
+    if (items.isEmpty() && currentItem())
+        items = { currentItem() };
     if (items.isEmpty())
         return;
     const QString titles[]

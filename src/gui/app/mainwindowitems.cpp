@@ -33,6 +33,9 @@ namespace {
 
 enum ListedSelection { SelectAll, DeselectAll, ToggleSelection };
 
+// Long enough to be read, short enough not to outlive its occasion.
+constexpr int StatusNoteMs = 8000;
+
 /** The selected items an entry needs before it can do anything. */
 struct Requirement {
     const char* slot;
@@ -157,10 +160,12 @@ void MainWindow::updateItemActions()
             return !tab->contains(item);
         }));
 
-    for (const char* name : { "actionSave_selected_items", "actionZ_Matrices", "actionMasks",
-             "actionPictures_without_display_elements", "actionPictures_s", "actionPictures_with_display_elements",
-             "actionPdf_files", "actionPostscript_ps_files" })
-        m_actions->get(name)->setEnabled(count > 0);
+    m_actions->get("actionSave_selected_items")->setEnabled(count > 0);
+    // Without a selection the exports take the current item, so that a first export needs no selecting first.
+    for (const char* name :
+        { "actionZ_Matrices", "actionMasks", "actionPictures_without_display_elements", "actionPictures_s",
+            "actionPictures_with_display_elements", "actionPdf_files", "actionPostscript_ps_files" })
+        m_actions->get(name)->setEnabled(count > 0 || currentItem());
     m_actions->get("actionSave_items_on_current_tab")->setEnabled(tab && tab->count() > 0);
     for (const auto& b : itemButtons)
         findChild<QToolButton*>(QLatin1String(b.button))->setEnabled(m_contextMenu->entry(b.slot)->isEnabled());
@@ -184,14 +189,18 @@ void MainWindow::redoSteps(int steps)
 void MainWindow::popupImageList_undo()
 {
     QString message;
-    if (!QSciHistoryManager::instance()->undo(&message))
+    ProgressDialogSink progress(this, tr("Undo"));
+    progress.setCancellable(false);
+    if (!QSciHistoryManager::instance()->undo(&message, &progress))
         statusBar()->showMessage(message, 4000);
 }
 
 void MainWindow::popupImageList_redo()
 {
     QString message;
-    if (!QSciHistoryManager::instance()->redo(&message))
+    ProgressDialogSink progress(this, tr("Redo"));
+    progress.setCancellable(false);
+    if (!QSciHistoryManager::instance()->redo(&message, &progress))
         statusBar()->showMessage(message, 4000);
 }
 
@@ -470,9 +479,11 @@ void MainWindow::popupImageList_imageProcessing()
 void MainWindow::popupImageList_recalibrateZ()
 {
     m_formRecalibrateZ->setItems(selectedItems());
-    if (runDialog(m_formRecalibrateZ) == QDialog::Accepted)
-        ItemOperations::recalibrateZ(
-            *m_project, selectedItems(), m_formRecalibrateZ->multiply(), m_formRecalibrateZ->add());
+    QString message;
+    if (runDialog(m_formRecalibrateZ) == QDialog::Accepted
+        && !ItemOperations::recalibrateZ(
+            *m_project, selectedItems(), m_formRecalibrateZ->multiply(), m_formRecalibrateZ->add(), &message))
+        showMessage(tr("Recalibrate z-matrix"), message);
 }
 
 void MainWindow::popupImageList_selectColorGradient()
@@ -486,7 +497,9 @@ void MainWindow::popupImageList_selectColorGradient()
 
 void MainWindow::popupImageList_clearPicture()
 {
-    ItemOperations::clearPicture(*m_project, selectedItems());
+    const QList<QSciImage*> switched = ItemOperations::clearPicture(*m_project, selectedItems());
+    if (!switched.isEmpty())
+        statusBar()->showMessage(ItemOperations::pictureShownText(switched), StatusNoteMs);
 }
 
 void MainWindow::popupImageList_clearObjects()

@@ -95,7 +95,9 @@ bool OutputPage::saveTo(const QString& path, QString* message) const
 
 void OutputPage::saveAsTextFile()
 {
-    const QString start = Options::getString(saveOutputPathKey, Options::homeDir());
+    QString start = Options::getPath(saveOutputPathKey, QString());
+    if (start.isEmpty() || !QFileInfo(start).isDir())
+        start = Options::homeDir();
     const QString path = QFileDialog::getSaveFileName(
         this, tr("Save output as text file"), start, tr("Text files (*.txt);;All files (*)"));
     if (path.isEmpty())

@@ -1,5 +1,6 @@
 #include "progressdialogsink.h"
 
+#include <QApplication>
 #include <QProgressDialog>
 
 namespace {
@@ -17,6 +18,8 @@ ProgressDialogSink::ProgressDialogSink(QWidget* parent, const QString& title)
 
 ProgressDialogSink::~ProgressDialogSink()
 {
+    if (m_busy)
+        QApplication::restoreOverrideCursor();
     delete m_dialog;
 }
 
@@ -31,6 +34,13 @@ void ProgressDialogSink::begin(const QString& label, int total)
         m_dialog->setAutoReset(false);
         if (!m_title.isEmpty())
             m_dialog->setWindowTitle(m_title);
+        if (!m_cancellable)
+            m_dialog->setCancelButton(nullptr);
+    }
+    // The core work blocks the event loop: the cursor is what tells the user the program is busy.
+    if (!m_busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        m_busy = true;
     }
     m_dialog->setLabelText(label);
     m_dialog->setRange(0, qMax(total, 1));
@@ -48,6 +58,10 @@ void ProgressDialogSink::end()
 {
     if (!m_dialog)
         return;
+    if (m_busy) {
+        QApplication::restoreOverrideCursor();
+        m_busy = false;
+    }
     m_cancelled = m_cancelled || m_dialog->wasCanceled();
     // reset() also stops the timer that would show the dialog after the work is done.
     m_dialog->reset();

@@ -9,8 +9,9 @@ class QProgressDialog;
 class QWidget;
 
 /**
- * Shows the passes of long core work in a window-modal progress dialog with a Cancel button. The dialog
- * appears only when a pass takes a while, and stays cancelled for the following passes of the same run.
+ * Shows the passes of long core work in a window-modal progress dialog with a Cancel button, and a busy cursor
+ * while a pass runs. The dialog appears only when a pass takes a while, and stays cancelled for the following
+ * passes of the same run.
  */
 class ProgressDialogSink final : public ProgressSink {
 public:
@@ -24,6 +25,9 @@ public:
     void end() override;
     bool isCancelled() const override;
 
+    /** Work that must not stop halfway (an undo) shows no Cancel button. */
+    void setCancellable(bool cancellable) { m_cancellable = cancellable; }
+
     /** The dialog of the running pass, or nullptr. */
     QProgressDialog* dialog() const;
 
@@ -32,4 +36,6 @@ private:
     QString m_title;
     QPointer<QProgressDialog> m_dialog;
     bool m_cancelled = false;
+    bool m_cancellable = true;
+    bool m_busy = false;
 };

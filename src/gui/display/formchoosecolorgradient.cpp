@@ -247,9 +247,13 @@ QWidget* FormChooseColorGradient::buildPreviewGroup()
 void FormChooseColorGradient::showEvent(QShowEvent* event)
 {
     if (!event->spontaneous()) {
-        ColorGradient stored;
-        stored.fromString(Options::getString(GradientKey, QString()));
-        setGradient(stored);
+        // Opened for an item, the dialog starts from what that item shows, not from a gradient it never had.
+        ColorGradient start;
+        if (m_previewItem)
+            start = m_previewItem->colorGradient();
+        else
+            start.fromString(Options::getString(GradientKey, QString()));
+        setGradient(start);
         for (int number = 1; number <= MyGradientCount; ++number)
             refreshMyGradientIcon(number);
         {

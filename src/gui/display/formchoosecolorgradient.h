@@ -36,7 +36,10 @@ public:
     explicit FormChooseColorGradient(QWidget* parent = nullptr);
     ~FormChooseColorGradient() override;
 
-    /** The item the preview shows; it is only read, and may be null (empty preview). */
+    /**
+     * The item the preview shows; it is only read, and may be null (empty preview). Shown for an item, the
+     * dialog opens with that item's gradient; without one, with the last applied gradient.
+     */
     void setPreviewItem(const QSciImage* item);
     /** Shows or hides "Apply global plane correction for preview"; a hidden box applies no correction. */
     void setPlaneCorrectionOptionVisible(bool visible);

@@ -186,7 +186,13 @@ void QTool::applyToItem(const QString& name, QSciImage::Parts parts, const std::
     if (!m_item || !m_project)
         return;
     const QString text = name.isEmpty() ? QCoreApplication::translate("QTool", "Apply tool") : name;
-    ItemOperations::apply(*m_project.data(), { m_item.data() }, text, parts, change);
+    if (parts != QSciImage::PicturePart) {
+        ItemOperations::apply(*m_project.data(), { m_item.data() }, text, parts, change);
+        return;
+    }
+    const QList<QSciImage*> switched = ItemOperations::editPicture(*m_project.data(), { m_item.data() }, text, change);
+    if (!switched.isEmpty())
+        emit statusMessageRequested(ItemOperations::pictureShownText(switched));
 }
 
 QList<QSciImage*> QTool::targetItems() const

@@ -72,6 +72,12 @@ public:
     const QPixmap* heldPixmap() const { return m_heldPixmap.get(); }
     bool needsRedraw() const { return m_needsRedraw; }
 
+    /**
+     * Drawing tools paint with the right colour on the right button. For the others a right click that starts
+     * no gesture opens the item menu instead; a gesture in progress (a polygon) still gets it.
+     */
+    virtual bool takesRightButton() const { return false; }
+
     // The three operations of every tool, called by the view's mouse in this order.
     virtual void beginDrag(const QPoint& point, Qt::MouseButton button);
     virtual void updateDrag(const QPoint& point);
@@ -93,6 +99,8 @@ signals:
     void itemsMovableRequested(bool movable);
     /** A line of HTML for the output page. */
     void outputRequested(const QString& html);
+    /** A short note for the status bar about what the last change did. */
+    void statusMessageRequested(const QString& text);
 
 protected:
     /** Begin drag's common steps; false (and nothing happens) without an item. */

@@ -10,4 +10,5 @@ public:
     explicit QToolColorPicker(QWidget* parent = nullptr);
 
     void endDrag(const QPoint& point, Qt::MouseButton button) override;
+    bool takesRightButton() const override { return true; }
 };

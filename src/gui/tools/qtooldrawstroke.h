@@ -20,6 +20,7 @@ public:
     void beginDrag(const QPoint& point, Qt::MouseButton button) override;
     void updateDrag(const QPoint& point) override;
     void endDrag(const QPoint& point, Qt::MouseButton button) override;
+    bool takesRightButton() const override { return true; }
 
     QPolygon path() const { return m_path; }
     int strokeWidth() const;

@@ -12,6 +12,7 @@ public:
     explicit QToolFillBucket(QWidget* parent = nullptr);
 
     void endDrag(const QPoint& point, Qt::MouseButton button) override;
+    bool takesRightButton() const override { return true; }
 
     int tolerance() const;
     void setTolerance(int tolerance);

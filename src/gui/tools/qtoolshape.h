@@ -18,6 +18,7 @@ public:
     void beginDrag(const QPoint& point, Qt::MouseButton button) override;
     void updateDrag(const QPoint& point) override;
     void endDrag(const QPoint& point, Qt::MouseButton button) override;
+    bool takesRightButton() const override { return true; }
 
     QRect shapeRect() const { return dragRect(m_start, m_end); }
     bool isFilled() const;

@@ -89,6 +89,7 @@ void ToolBox::addTool(int heading, const QString& title, QTool* tool)
 
     connect(tool, &QTool::itemsMovableRequested, this, &ToolBox::onItemsMovableRequested);
     connect(tool, &QTool::outputRequested, this, &ToolBox::outputRequested);
+    connect(tool, &QTool::statusMessageRequested, this, &ToolBox::statusMessageRequested);
     connect(tool, &QTool::overlayChanged, this, &ToolBox::showOverlay);
     connect(tool, &QTool::overlayCleared, this, &ToolBox::hideOverlay);
 }
@@ -186,6 +187,9 @@ bool ToolBox::toolMousePressed(CollectionTabPage* page, QSciImage* item, const Q
     if (!m_current || m_current->identifier() == defaultCursor)
         return false;
     dropOrphanedDrag();
+    // The view then opens the item menu; a click that did nothing must not cost the mask or an undo step.
+    if (button == Qt::RightButton && !m_current->takesRightButton() && !m_current->isDragActive())
+        return false;
     // A drag in progress (a polygon being built) stays on its item.
     if (!m_current->isDragActive()) {
         if (!item)

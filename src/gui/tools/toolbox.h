@@ -58,6 +58,8 @@ signals:
     void itemsMovableChanged(bool movable);
     /** A tool reports a line of HTML for the output page. */
     void outputRequested(const QString& html);
+    /** A tool's note for the status bar. */
+    void statusMessageRequested(const QString& text);
 
 private:
     /** Ends a drag whose item went away (deleted, or replaced by an undo). */

@@ -184,7 +184,7 @@ private slots:
         const QString folder = path(QStringLiteral("folder.img.velm"));
         QVERIFY(QDir().mkpath(folder));
         QVERIFY(!ItemFile::load(loaded, folder, true, true, false, &message));
-        QCOMPARE(message, QStringLiteral("Unable to open file: ") + folder);
+        QCOMPARE(message, QStringLiteral("Unable to read from file: ") + folder + QStringLiteral("\nis a directory"));
         QVERIFY(!ItemFile::save(loaded, folder, ItemFile::PartFlags(), false, false, &message));
         QCOMPARE(difference(*item, loaded), QString());
     }

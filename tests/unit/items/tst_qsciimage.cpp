@@ -208,15 +208,41 @@ private slots:
         }
     }
 
-    void zRangeSkipsNaN()
+    void nonFiniteValuesAreSkippedAndPaintedApart_data()
     {
-        QSciImage item(2, 2, QColor(Qt::black));
-        item.zData()[0] = std::numeric_limits<double>::quiet_NaN();
-        item.zData()[1] = -3;
-        item.zData()[3] = 5;
-        QCOMPARE(item.zMin(), -3.0);
-        QCOMPARE(item.zMax(), 5.0);
-        item.zData()[1] = item.zData()[2] = item.zData()[3] = item.zData()[0];
+        QTest::addColumn<int>("width");
+        QTest::newRow("small") << 3;
+        QTest::newRow("wide, in four lanes") << 1000;
+    }
+
+    void nonFiniteValuesAreSkippedAndPaintedApart()
+    {
+        // Aborted scans leave NaN and infinities; they must neither become the range nor blacken the rest.
+        QFETCH(int, width);
+        constexpr double inf = std::numeric_limits<double>::infinity();
+        QSciImage item(width, 2, QColor(Qt::black));
+        double* z = item.zData();
+        double largest = 0;
+        for (int i = 0; i < 2 * width; ++i) {
+            z[i] = i % 5 == 0 ? -inf : i % 5 == 1 ? inf : i % 5 == 2 ? std::numeric_limits<double>::quiet_NaN() : 1 + i;
+            if (i % 5 > 2)
+                largest = 1 + i;
+        }
+        double low = 0, high = 0;
+        item.zRange(&low, &high);
+        QCOMPARE(low, 4.0);
+        QCOMPARE(high, largest);
+        QVERIFY(std::isfinite(item.zMin()) && std::isfinite(item.zMax()));
+        item.setColorGradient(ColorGradient::builtIn(1));
+        item.mapZToPicture();
+        QCOMPARE(item.pixel(0, 0), ColorGradient::NonFiniteColor); // -inf
+        QCOMPARE(item.pixel(0, 1), ColorGradient::NonFiniteColor); // +inf
+        QCOMPARE(item.pixel(1, 0), ColorGradient::NonFiniteColor); // NaN
+        QVERIFY(item.pixel(1, 1) != item.pixel(width - 1, 1));
+        QCOMPARE(item.colorGradient().colorAt(inf, 0, 1), ColorGradient::NonFiniteColor);
+
+        for (int i = 0; i < 2 * width; ++i)
+            z[i] = std::numeric_limits<double>::quiet_NaN();
         QVERIFY(std::isnan(item.zMin()));
     }
 

@@ -1,3 +1,4 @@
+#include "core/base/busyindicator.h"
 #include "core/items/qsciimage.h"
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
@@ -70,6 +71,46 @@ private slots:
         QCOMPARE(b->z(7, 0), -48.0);
         QCOMPARE(b->z(0, 4), fillB);
         QVERIFY(!a->isPixelSelected(7, 0));
+    }
+
+    void pictureEditsBecomeVisibleAndRecalibrationStaysFinite()
+    {
+        QSciImage* shown = makeItem(m_tab, QStringLiteral("z shown"), 3, 2, 0, 0, 1);
+        QSciImage* plain = makeItem(m_tab, QStringLiteral("plain"), 3, 2, 0, 0, 1);
+        shown->setDrawSwitches(true, false, true, true);
+        shown->pictureRef().fill(Qt::black);
+        const QList<QSciImage*> switched = ItemOperations::clearPicture(*m_project, { shown, plain });
+        QCOMPARE(switched, QList<QSciImage*> { shown });
+        QVERIFY(!shown->drawZInSciPaint() && shown->drawImageInSciPaint());
+        QVERIFY(!shown->drawMaskInSciPaint()); // the other switches stay as the user set them
+        QCOMPARE(shown->pixel(1, 1), qRgb(255, 255, 255));
+        QVERIFY(ItemOperations::pictureShownText(switched).contains(QStringLiteral("z shown")));
+
+        QString message;
+        const QVector<double> before = plain->zMatrix();
+        QVERIFY(!ItemOperations::recalibrateZ(*m_project, { plain }, 1e308, 0, &message));
+        QVERIFY(!ItemOperations::recalibrateZ(*m_project, { plain }, 1, qQNaN(), &message));
+        QVERIFY(!message.isEmpty());
+        QCOMPARE(plain->zMatrix(), before);
+        QVERIFY(ItemOperations::recalibrateZ(*m_project, { plain }, -2, 1, &message));
+        QCOMPARE(plain->z(2, 1), -2.0 * (1 + 2 + 10) + 1);
+    }
+
+    void largeItemsMakeTheProgramBusyForTheWholeOperation()
+    {
+        struct Recorder final : BusyIndicator {
+            QList<bool> calls;
+            void setBusy(bool busy) override { calls.append(busy); }
+        } recorder;
+        BusyIndicator::install(&recorder);
+        QSciImage* small = makeItem(m_tab, QStringLiteral("small"), 30, 20, 0, 0, 0);
+        auto* large = new QSciImage(1024, 1024, Qt::white);
+        m_tab->addItem(large);
+        ItemOperations::flipHorizontal(*m_project, { small });
+        QVERIFY(recorder.calls.isEmpty());
+        ItemOperations::flipHorizontal(*m_project, { small, large, large });
+        QCOMPARE(recorder.calls, (QList<bool> { true, false }));
+        BusyIndicator::install(nullptr);
     }
 
     void cutToOverlapKeepsTheCommonArea()
