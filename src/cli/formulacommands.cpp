@@ -5,6 +5,7 @@
 #include "core/base/atomicfile.h"
 #include "core/base/messages.h"
 #include "core/tables/qscisimpletablemodel.h"
+#include "core/tables/tablefile.h"
 #include "core/tables/tableformularun.h"
 #include "core/tables/tabletext.h"
 
@@ -97,20 +98,27 @@ int runFormula(CliContext& ctx, CliArgs& args)
         ctx.err << failure.row << ',' << failure.column << ": " << failure.result << '\n';
     ctx.err.flush();
 
+    QString message;
+    if (TableFile::isTableFileName(output)) {
+        if (!TableFile::write(output, table, QFileInfo(output).fileName(), &message))
+            return ctx.fail(message);
+        return CliSuccess;
+    }
     const QString csv = TableText::toCsv(table);
     if (output.isEmpty()) {
         ctx.out << csv;
         return CliSuccess;
     }
-    QString message;
     if (!AtomicFile::write(output, csv.toUtf8(), &message))
         return ctx.fail(message);
     return CliSuccess;
 }
 
 const CliCommandRegistration registration({ { QStringLiteral("formula"),
-    QStringLiteral("formula --rows R --cols C --formula F [--in CSV] [--only-selected \"r,c;r,c;...\"] [--out CSV]"),
-    QStringLiteral("applies a table formula to every (or every selected) cell and writes the table as CSV"), runFormula,
-    60 } });
+    QStringLiteral("formula --rows R --cols C --formula F [--in CSV] [--only-selected \"r,c;r,c;...\"] [--out "
+                   "CSV|TABLE.table.velm]"),
+    QStringLiteral(
+        "applies a table formula to every (or every selected) cell and writes the table as CSV or a table file"),
+    runFormula, 60 } });
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "cliargs.h"
 #include "clicommand.h"
 #include "cliitems.h"
+#include "documentinfo.h"
 
 #include "core/items/itemfile.h"
 #include "core/items/qsciimage.h"
@@ -43,6 +44,14 @@ int runInfo(CliContext& ctx, CliArgs& args)
         return CliUsage;
     }
     const QString path = args.positional().first();
+    if (DocumentInfo::isDocumentFileName(path)) {
+        QJsonObject document;
+        QString message;
+        if (!DocumentInfo::describe(path, &document, &message))
+            return ctx.fail(message);
+        ctx.out << QJsonDocument(document).toJson(QJsonDocument::Indented);
+        return CliSuccess;
+    }
     if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path))
         return ctx.fail(QStringLiteral("Unable to read from file: ") + path);
     ItemFile::Info info;

@@ -1,5 +1,8 @@
 #include "clirunner.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -54,6 +57,31 @@ private slots:
             { "formula", "--rows", "1", "--cols", "1", "--formula", "1", "--out", m_dir.filePath("no/dir/x.csv") });
         QCOMPARE(unwritable.exitCode, 1);
         QVERIFY(!unwritable.err.isEmpty());
+    }
+
+    void tableFilesAndInfo()
+    {
+        const QString table = m_dir.filePath("t.table.velm");
+        QCOMPARE(runCli(m_dir.path(), { "formula", "--rows", "3", "--cols", "2", "--formula", "$row", "--out", table })
+                     .exitCode,
+            0);
+        const CliResult info = runCli(m_dir.path(), { "info", table });
+        QCOMPARE(info.exitCode, 0);
+        const QJsonObject json = QJsonDocument::fromJson(info.out).object();
+        QCOMPARE(json.value("type").toString(), QStringLiteral("table"));
+        QCOMPARE(json.value("rows").toInt(), 3);
+        QCOMPARE(json.value("filledCells").toInt(), 6);
+        const QJsonObject first = json.value("columnStatistics").toArray().at(0).toObject();
+        QCOMPARE(first.value("mean").toDouble(), 2.0);
+        QCOMPARE(first.value("sd").toDouble(), 1.0);
+
+        QFile file(table);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        file.resize(file.size() - 5);
+        file.close();
+        const CliResult broken = runCli(m_dir.path(), { "info", table });
+        QCOMPARE(broken.exitCode, 1);
+        QVERIFY(broken.err.startsWith("File corrupted.: "));
     }
 
 private:
