@@ -11,6 +11,8 @@ class CollectionTab;
 class CollectionTabPage;
 class ComponentsDock;
 class DocumentsDock;
+class TablesPanel;
+class TextsPanel;
 class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
@@ -69,6 +71,8 @@ public:
     void setItemsMovable(bool movable);
     /** The tools of the "Toolbox" dock; they take the tabs' mouse while one other than the pointer is chosen. */
     ToolBox* toolBox() const { return m_toolBox; }
+    TablesPanel* tablesPanel() const { return m_tablesPanel; }
+    TextsPanel* textsPanel() const { return m_textsPanel; }
 
     /** Opens a native item file (or another format an importer reads) onto the current tab, or a project. */
     [[nodiscard]] bool openFile(const QString& path, QString* message);
@@ -250,6 +254,8 @@ private:
     ToolBox* m_toolBox = nullptr;
     ComponentsDock* m_componentsDock = nullptr;
     DocumentsDock* m_documentsDock = nullptr;
+    TablesPanel* m_tablesPanel = nullptr;
+    TextsPanel* m_textsPanel = nullptr;
     ItemContextMenu* m_contextMenu = nullptr;
     UndoRedoMenu* m_undoRedoMenu = nullptr;
     FormNewImage* m_formNewImage = nullptr;

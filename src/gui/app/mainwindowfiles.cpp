@@ -29,6 +29,8 @@
 #include "core/project/projectfile.h"
 #include "core/settings/options.h"
 #include "formnewimage.h"
+#include "gui/tables/tablespanel.h"
+#include "gui/tables/textspanel.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
 #include "postscriptwriter.h"
@@ -159,7 +161,7 @@ QString MainWindow::chooseOne(FileChoice kind, const char* pathKey, const QStrin
 void MainWindow::openItems()
 {
     const QStringList chosen = chooseList(FileChoice::OpenFiles, "openMainDialogPath", tr("Open"),
-        tr("Velmora files (*.img.velm *.project.velm);;All files (*)"));
+        tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm);;All files (*)"));
     for (const QString& path : chosen) {
         QString message;
         if (!openFile(path, &message) || !message.isEmpty())
@@ -177,6 +179,12 @@ bool MainWindow::openFile(const QString& path, QString* message)
             return true;
         return openProject(info.isDir() ? info.absoluteFilePath() : info.absolutePath(), message);
     }
+    if (path.endsWith(QLatin1String(".table.velm"), Qt::CaseInsensitive))
+        return m_tablesPanel->openTableFile(path, message);
+    if (path.endsWith(QLatin1String(".text.velm"), Qt::CaseInsensitive))
+        return m_textsPanel->openTextFile(path, message);
+    if (path.endsWith(QLatin1String(".output.velm"), Qt::CaseInsensitive))
+        return m_textsPanel->openOutput(path, message);
 
     auto item = std::make_unique<QSciImage>();
     if (!ItemFile::load(*item, path, true, true, message))
