@@ -96,49 +96,67 @@ TablesPanel::TablesPanel(DocumentsDock* dock)
 
 void TablesPanel::buildToolBar()
 {
-    // A row of buttons rather than a QToolBar: the main window's tool bars are its own five.
+    // A row of buttons rather than a QToolBar (the main window's tool bars are its own five); the editing
+    // commands sit in one menu, also the tables' context menu, so that the row stays narrow in a small dock.
     m_toolBar = new QWidget(this);
     m_toolBar->setObjectName(QStringLiteral("wTableTools"));
     auto* row = new QHBoxLayout(m_toolBar);
     row->setContentsMargins(2, 0, 2, 0);
     row->setSpacing(1);
-    auto add = [this, row](const QString& text, const char* name, auto slot) {
-        auto* action = new QAction(text, this);
-        action->setObjectName(QLatin1String(name));
-        connect(action, &QAction::triggered, this, slot);
-        auto* button = new QToolButton(m_toolBar);
-        button->setDefaultAction(action);
-        button->setAutoRaise(true);
-        row->addWidget(button);
-        addAction(action);
-        return action;
+    auto action = [this](const QString& text, const char* name, auto slot) {
+        auto* created = new QAction(text, this);
+        created->setObjectName(QLatin1String(name));
+        connect(created, &QAction::triggered, this, slot);
+        addAction(created);
+        return created;
     };
-    add(tr("New table"), "actionNewTable", [this] { newTable(); });
-    add(tr("Open..."), "actionOpenTable", &TablesPanel::openAsked);
-    add(tr("Import..."), "actionImportTable", &TablesPanel::importAsked);
-    add(tr("Save..."), "actionSaveTable", &TablesPanel::saveAsked);
-    add(tr("Export CSV..."), "actionExportTable", &TablesPanel::exportAsked);
-    row->addSpacing(8);
-    add(tr("Insert rows"), "actionInsertRows", &TablesPanel::insertRows);
-    add(tr("Delete rows"), "actionDeleteRows", &TablesPanel::deleteRows);
-    add(tr("Insert columns"), "actionInsertColumns", &TablesPanel::insertColumns);
-    add(tr("Delete columns"), "actionDeleteColumns", &TablesPanel::deleteColumns);
-    add(tr("Resize"), "actionResizeTable", &TablesPanel::resizeToPageSettings)
-        ->setToolTip(tr("Change table to new row and column settings"));
-    add(tr("Transpose"), "actionTransposeTable", &TablesPanel::transpose)->setToolTip(tr("Switch rows and columns"));
-    row->addSpacing(8);
-    add(tr("Sort ascending"), "actionSortAscending", [this] { sortCurrent(Qt::AscendingOrder); });
-    add(tr("Sort descending"), "actionSortDescending", [this] { sortCurrent(Qt::DescendingOrder); });
-    row->addSpacing(8);
-    add(tr("Copy"), "actionCopyCells", [this] {
+    auto button = [this, row](QAction* shown) {
+        auto* created = new QToolButton(m_toolBar);
+        created->setDefaultAction(shown);
+        created->setAutoRaise(true);
+        row->addWidget(created);
+        return created;
+    };
+    button(action(tr("New table"), "actionNewTable", [this] { newTable(); }));
+    button(action(tr("Open..."), "actionOpenTable", &TablesPanel::openAsked));
+    button(action(tr("Import..."), "actionImportTable", &TablesPanel::importAsked));
+    button(action(tr("Save..."), "actionSaveTable", &TablesPanel::saveAsked));
+    button(action(tr("Export CSV..."), "actionExportTable", &TablesPanel::exportAsked));
+
+    m_editMenu = new QMenu(tr("Edit"), this);
+    m_editMenu->addAction(action(tr("Copy"), "actionCopyCells", [this] {
         if (TableView* view = currentTable())
             view->copyToClipboard();
-    });
-    add(tr("Paste"), "actionPasteCells", [this] {
+    }));
+    m_editMenu->addAction(action(tr("Paste"), "actionPasteCells", [this] {
         if (TableView* view = currentTable())
             view->pasteFromClipboard();
-    });
-    add(tr("Close"), "actionCloseTable", &TablesPanel::closeCurrent);
+    }));
+    m_editMenu->addAction(action(tr("Deleting selected table cells"), "actionClearCells", [this] {
+        if (TableView* view = currentTable())
+            view->clearSelectedCells();
+    }));
+    m_editMenu->addSeparator();
+    m_editMenu->addAction(action(tr("Insert rows"), "actionInsertRows", &TablesPanel::insertRows));
+    m_editMenu->addAction(action(tr("Delete rows"), "actionDeleteRows", &TablesPanel::deleteRows));
+    m_editMenu->addAction(action(tr("Insert columns"), "actionInsertColumns", &TablesPanel::insertColumns));
+    m_editMenu->addAction(action(tr("Delete columns"), "actionDeleteColumns", &TablesPanel::deleteColumns));
+    m_editMenu->addAction(action(
+        tr("Change table to new row and column settings"), "actionResizeTable", &TablesPanel::resizeToPageSettings));
+    m_editMenu->addAction(action(tr("Switch rows and columns"), "actionTransposeTable", &TablesPanel::transpose));
+    m_editMenu->addSeparator();
+    m_editMenu->addAction(
+        action(tr("Sort ascending"), "actionSortAscending", [this] { sortCurrent(Qt::AscendingOrder); }));
+    m_editMenu->addAction(
+        action(tr("Sort descending"), "actionSortDescending", [this] { sortCurrent(Qt::DescendingOrder); }));
+    auto* edit = new QToolButton(m_toolBar);
+    edit->setObjectName(QStringLiteral("tbTableEdit"));
+    edit->setText(tr("Edit"));
+    edit->setMenu(m_editMenu);
+    edit->setPopupMode(QToolButton::InstantPopup);
+    edit->setAutoRaise(true);
+    row->addWidget(edit);
+    button(action(tr("Close"), "actionCloseTable", &TablesPanel::closeCurrent));
     row->addStretch(1);
 }
 
@@ -209,6 +227,9 @@ TableView* TablesPanel::addTable(std::unique_ptr<QSciSimpleTableModel> model, co
 {
     auto* view = new TableView(std::move(model), m_tabs);
     view->setTitle(title);
+    view->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view, &QWidget::customContextMenuRequested, this,
+        [this, view](const QPoint& at) { m_editMenu->exec(view->viewport()->mapToGlobal(at)); });
     auto watch = [this, view]() {
         QSciSimpleTableModel* table = view->table();
         connect(table, &QAbstractItemModel::dataChanged, this, &TablesPanel::scheduleStatistics);

@@ -10,6 +10,7 @@ class DocumentsDock;
 class QAction;
 class QLabel;
 class QLineEdit;
+class QMenu;
 class QProgressBar;
 class QPushButton;
 class QSciSimpleTableModel;
@@ -74,6 +75,7 @@ private:
 
     DocumentsDock* m_dock;
     QWidget* m_toolBar = nullptr;
+    QMenu* m_editMenu = nullptr;
     QTabWidget* m_tabs;
     QLineEdit* m_formula = nullptr;
     QPushButton* m_apply = nullptr;

@@ -15,7 +15,10 @@ TableView::TableView(std::unique_ptr<QSciSimpleTableModel> model, QWidget* paren
     : QTableView(parent)
 {
     setSelectionMode(QAbstractItemView::ExtendedSelection);
-    horizontalHeader()->setDefaultSectionSize(90);
+    // Long numbers are cut at the right, not wrapped into an unreadable "1...." at their first point.
+    setWordWrap(false);
+    setTextElideMode(Qt::ElideRight);
+    horizontalHeader()->setDefaultSectionSize(110);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
     setTable(std::move(model));
 }
