@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDir>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QSpinBox>
@@ -10,6 +11,7 @@
 #include <QTextEdit>
 #include <QtTest>
 
+#include "core/project/project.h"
 #include "core/tables/qscisimpletablemodel.h"
 #include "gui/app/outputpage.h"
 #include "gui/tables/tablespanel.h"
@@ -165,6 +167,34 @@ private slots:
         QVERIFY(page->textEdit()->toPlainText().contains(QLatin1String("grains: 12")));
         QVERIFY(!m_window->openFile(csv + QStringLiteral(".table.velm"), &message));
         QVERIFY(message.startsWith(QLatin1String("File does not exist")));
+    }
+
+    void projectsKeepTheirTablesAndTexts()
+    {
+        m_window->findChild<QSpinBox*>(QStringLiteral("sbTableSizeRowCount"))->setValue(2);
+        m_window->findChild<QSpinBox*>(QStringLiteral("sbTableSizeColCount"))->setValue(2);
+        tables()->newTable()->table()->setCellText(1, 1, QStringLiteral("x|<y>"));
+        tables()->newTable();
+        m_window->textsPanel()->newText(QStringLiteral("log"), QStringLiteral("grains & voids"));
+        QVERIFY(m_window->project()->isModified());
+        const QString folder = m_work->filePath(QStringLiteral("p"));
+        QString message;
+        QVERIFY2(m_window->saveProject(folder, &message), qPrintable(message));
+        trigger(*tables(), "actionCloseTable");
+        QVERIFY(m_window->project()->isModified());
+        QVERIFY(m_window->saveProject(folder, &message));
+        QCOMPARE(QDir(folder + QStringLiteral("/tables")).entryList(QDir::Files).size(), 1);
+
+        m_window->answer = QMessageBox::No;
+        trigger(*m_window, "actionProject");
+        QCOMPARE(tables()->tableCount(), 0);
+        QCOMPARE(m_window->textsPanel()->textCount(), 0);
+        QVERIFY(m_window->openProject(folder, &message));
+        QVERIFY2(message.isEmpty(), qPrintable(message));
+        QVERIFY(!m_window->project()->isModified());
+        QCOMPARE(tables()->tableCount(), 1);
+        QCOMPARE(tables()->currentTable()->table()->cellText(1, 1), QStringLiteral("x|<y>"));
+        QCOMPARE(m_window->textsPanel()->allTexts().value(0).second, QStringLiteral("grains & voids"));
     }
 };
 

@@ -165,6 +165,8 @@ void MainWindow::buildForm()
     addDockWidget(Qt::BottomDockWidgetArea, m_documentsDock);
     m_tablesPanel = new TablesPanel(m_documentsDock);
     m_textsPanel = new TextsPanel(m_documentsDock);
+    connect(m_tablesPanel, &TablesPanel::documentsChanged, this, [this] { m_project->setModified(true); });
+    connect(m_textsPanel, &TextsPanel::documentsChanged, this, [this] { m_project->setModified(true); });
 
     m_statusLabel = new QLabel(this);
     m_statusLabel->setObjectName(QStringLiteral("lbStatus"));

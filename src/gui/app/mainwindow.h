@@ -238,6 +238,8 @@ private:
     bool askToSaveModified(const QString& title);
     bool saveProjectInteractively(bool askForName);
     bool openProjectReportingErrors(const QString& folder);
+    /** Replaces the table and text pages by those saved with the project in @p folder. */
+    void loadProjectDocuments(const QString& folder, QString* message);
     void saveItems(const QList<QSciImage*>& items);
     void exportItems(int kind);
     void exportVisibleArea(int kind);

@@ -27,6 +27,8 @@
 #include "core/project/itemarrangement.h"
 #include "core/project/project.h"
 #include "core/project/projectfile.h"
+#include "core/tables/projectdocuments.h"
+#include "core/tables/qscisimpletablemodel.h"
 #include "core/settings/options.h"
 #include "formnewimage.h"
 #include "gui/tables/tablespanel.h"
@@ -249,15 +251,35 @@ bool MainWindow::openProject(const QString& folder, QString* message)
     ProgressDialogSink progress(this, tr("Open project"));
     if (!ProjectFile::load(*m_project, folder, &progress, message))
         return false;
+    loadProjectDocuments(folder, message);
     rememberLastProject(m_project->fileName());
     return true;
+}
+
+void MainWindow::loadProjectDocuments(const QString& folder, QString* message)
+{
+    m_tablesPanel->closeAll();
+    m_textsPanel->closeAll();
+    std::vector<ProjectDocuments::LoadedTable> tables;
+    QVector<ProjectDocuments::Text> texts;
+    QStringList problems;
+    ProjectDocuments::load(folder, &tables, &texts, &problems);
+    for (auto& table : tables)
+        m_tablesPanel->addTable(std::move(table.table), table.title);
+    for (const auto& text : qAsConst(texts))
+        m_textsPanel->newText(text.first, text.second);
+    if (!problems.isEmpty())
+        *message += (message->isEmpty() ? QString() : QStringLiteral("\n")) + problems.join(QLatin1Char('\n'));
+    m_project->setModified(false);
 }
 
 bool MainWindow::saveProject(const QString& folder, QString* message)
 {
     ProgressDialogSink progress(this, tr("Save project"));
-    if (!ProjectFile::save(*m_project, folder, &progress, message))
+    if (!ProjectFile::save(*m_project, folder, &progress, message)
+        || !ProjectDocuments::save(folder, m_tablesPanel->allTables(), m_textsPanel->allTexts(), message))
         return false;
+    m_project->setModified(false);
     rememberLastProject(m_project->fileName());
     return true;
 }
@@ -266,6 +288,8 @@ void MainWindow::clearProject()
 {
     QSciHistoryManager::instance()->forget(m_project);
     m_project->clear();
+    m_tablesPanel->closeAll();
+    m_textsPanel->closeAll();
     m_project->addTab();
     m_project->setCurrentIndex(0);
     m_project->setFileName(QString());

@@ -233,6 +233,9 @@ TableView* TablesPanel::addTable(std::unique_ptr<QSciSimpleTableModel> model, co
     auto watch = [this, view]() {
         QSciSimpleTableModel* table = view->table();
         connect(table, &QAbstractItemModel::dataChanged, this, &TablesPanel::scheduleStatistics);
+        connect(table, &QAbstractItemModel::dataChanged, this, &TablesPanel::documentsChanged);
+        connect(table, &QAbstractItemModel::layoutChanged, this, &TablesPanel::documentsChanged);
+        connect(table, &QAbstractItemModel::modelReset, this, &TablesPanel::documentsChanged);
         connect(table, &QAbstractItemModel::layoutChanged, this, &TablesPanel::scheduleStatistics);
         connect(table, &QAbstractItemModel::modelReset, this, &TablesPanel::scheduleStatistics);
         connect(view->selectionModel(), &QItemSelectionModel::currentChanged, this, &TablesPanel::scheduleStatistics);
@@ -241,7 +244,24 @@ TableView* TablesPanel::addTable(std::unique_ptr<QSciSimpleTableModel> model, co
     watch();
     connect(view, &TableView::tableReplaced, this, watch);
     m_tabs->setCurrentIndex(m_tabs->addTab(view, title));
+    emit documentsChanged();
     return view;
+}
+
+QVector<QPair<QString, const QSciSimpleTableModel*>> TablesPanel::allTables() const
+{
+    QVector<QPair<QString, const QSciSimpleTableModel*>> tables;
+    for (int i = 0; i < m_tabs->count(); ++i)
+        if (auto* view = qobject_cast<TableView*>(m_tabs->widget(i)))
+            tables.append({ view->title(), view->table() });
+    return tables;
+}
+
+void TablesPanel::closeAll()
+{
+    while (m_tabs->count() > 0)
+        delete m_tabs->widget(0);
+    m_created = 0;
 }
 
 QString TablesPanel::chooseWithKey(bool save, const char* key, const QString& title, const QString& filter)
@@ -366,8 +386,10 @@ bool TablesPanel::exportCurrent(const QString& path, QString* message)
 
 void TablesPanel::closeCurrent()
 {
-    if (TableView* view = currentTable())
+    if (TableView* view = currentTable()) {
         delete view;
+        emit documentsChanged();
+    }
 }
 
 void TablesPanel::replaceTable(std::unique_ptr<QSciSimpleTableModel> model)
@@ -381,6 +403,7 @@ void TablesPanel::replaceTable(std::unique_ptr<QSciSimpleTableModel> model)
         return;
     }
     view->setTable(std::move(model));
+    emit documentsChanged();
 }
 
 void TablesPanel::insertRows()

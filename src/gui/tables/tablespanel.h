@@ -46,11 +46,19 @@ public:
     [[nodiscard]] bool saveCurrent(const QString& path, QString* message);
     [[nodiscard]] bool exportCurrent(const QString& path, QString* message);
 
+    /** Every table with its title, in page order. */
+    QVector<QPair<QString, const QSciSimpleTableModel*>> allTables() const;
+    void closeAll();
+
     /** Runs the formula line over the current table, as "Apply formula" does. */
     TableFormulaRun::Outcome applyFormula();
     void setFormula(const QString& formula);
     bool isRunning() const { return m_running; }
     QString statisticsText() const;
+
+signals:
+    /** A table was added, closed, reshaped or edited. */
+    void documentsChanged();
 
 private:
     void buildToolBar();

@@ -71,7 +71,12 @@ TextsPanel::TextsPanel(DocumentsDock* dock)
         if (!saveCurrent(path, &message))
             showMessage(message);
     });
-    add(tr("Close"), [this] { delete currentText(); });
+    add(tr("Close"), [this] {
+        if (QPlainTextEdit* edit = currentText()) {
+            delete edit;
+            emit documentsChanged();
+        }
+    });
     row->addStretch(1);
 
     auto* layout = new QVBoxLayout(this);
@@ -151,7 +156,25 @@ QPlainTextEdit* TextsPanel::newText(const QString& title, const QString& text)
     const QString name = title.isEmpty() ? tr("Text %1").arg(++m_created) : title;
     edit->setProperty(TitleProperty, name);
     m_tabs->setCurrentIndex(m_tabs->addTab(edit, name));
+    connect(edit, &QPlainTextEdit::textChanged, this, &TextsPanel::documentsChanged);
+    emit documentsChanged();
     return edit;
+}
+
+QVector<QPair<QString, QString>> TextsPanel::allTexts() const
+{
+    QVector<QPair<QString, QString>> texts;
+    for (int i = 0; i < m_tabs->count(); ++i)
+        if (auto* edit = qobject_cast<QPlainTextEdit*>(m_tabs->widget(i)))
+            texts.append({ edit->property(TitleProperty).toString(), edit->toPlainText() });
+    return texts;
+}
+
+void TextsPanel::closeAll()
+{
+    while (m_tabs->count() > 0)
+        delete m_tabs->widget(0);
+    m_created = 0;
 }
 
 bool TextsPanel::openTextFile(const QString& path, QString* message)

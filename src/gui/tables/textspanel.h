@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QPair>
+#include <QVector>
 #include <QWidget>
 #include <functional>
 
@@ -29,6 +31,13 @@ public:
     [[nodiscard]] bool saveCurrent(const QString& path, QString* message);
     [[nodiscard]] bool saveOutput(const QString& path, QString* message);
     [[nodiscard]] bool openOutput(const QString& path, QString* message);
+
+    /** Every text with its title, in page order. */
+    QVector<QPair<QString, QString>> allTexts() const;
+    void closeAll();
+
+signals:
+    void documentsChanged();
 
 private:
     void addOutputButtons();
