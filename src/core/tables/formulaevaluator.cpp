@@ -309,9 +309,15 @@ QString FormulaEvaluator::evaluate(const Variables& variables, bool* ok)
     for (const auto& variable : variables)
         m_arguments.append(QScriptValue(variable.second.toDouble()));
     const QScriptValue value = m_function.call(m_engine->globalObject(), m_arguments);
-    const QString text = resultText(value, ok);
+    bool good = false;
+    const QString text = resultText(value, &good);
     if (m_engine->hasUncaughtException())
         m_engine->clearExceptions();
+    // Error messages quote the expression; the user must see it as written, not with argument names.
+    if (!good)
+        return evaluateText(variables, ok);
+    if (ok)
+        *ok = true;
     return text;
 }
 

@@ -49,6 +49,7 @@ private slots:
         QTest::newRow("syntax error fails") << "1+" << 0 << 0 << false << "";
         QTest::newRow("empty fails") << "" << 0 << 0 << false << "undefined";
         QTest::newRow("parens cannot escape") << "1)+(2" << 0 << 0 << false << "";
+        QTest::newRow("error quotes the text") << "cell($row)($col)" << 0 << 0 << false << "";
         QTest::newRow("comma expression") << "$row,$col" << 0 << 6 << true << "7";
     }
 
@@ -64,6 +65,7 @@ private slots:
             bool good = !ok;
             const QString text = eval(formula, row, column, &good, nullptr, compiled);
             QCOMPARE(good, ok);
+            QVERIFY2(!text.contains(QLatin1String("__")), qPrintable(text));
             if (!result.isEmpty())
                 QCOMPARE(text, result);
         }
