@@ -101,6 +101,22 @@ private slots:
         QCOMPARE(view->table()->cellText(4, 1), QStringLiteral("14")); // the empty top cell reads as 0
     }
 
+    void aRunEndsWhenItsTableGoesAway()
+    {
+        m_window->findChild<QCheckBox*>(QStringLiteral("cbApplyFormulaToSelectedCells"))->setChecked(false);
+        tables()->newTable();
+        tables()->setFormula(QStringLiteral("cell(-1,0)"));
+        tables()->askOnFailure = [this](const QString&) {
+            trigger(*m_window, "actionProject"); // closes every table while the question is open
+            return TableFormulaRun::Decision::Skip;
+        };
+        const TableFormulaRun::Outcome outcome = tables()->applyFormula();
+        QVERIFY(outcome.stopped);
+        QCOMPARE(outcome.visited, qint64(1));
+        QCOMPARE(tables()->tableCount(), 0);
+        QVERIFY(!tables()->isRunning());
+    }
+
     void editingReshapesAndCopiesAsTabSeparatedText()
     {
         m_window->findChild<QSpinBox*>(QStringLiteral("sbTableSizeRowCount"))->setValue(3);

@@ -23,6 +23,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSpinBox>
@@ -495,6 +496,8 @@ void TablesPanel::setRunning(bool running)
     m_apply->setEnabled(!running);
     m_formula->setEnabled(!running);
     m_toolBar->setEnabled(!running);
+    for (QAction* action : actions())
+        action->setEnabled(!running);
     if (auto* bar = m_tabs->findChild<QTabBar*>())
         bar->setEnabled(!running);
     m_stop->setVisible(running);
@@ -515,13 +518,19 @@ TableFormulaRun::Outcome TablesPanel::applyFormula()
     m_progress->setValue(0);
     m_stopRequested = false;
 
+    // Events run inside the loop: a new project or a paste that grows the table may delete the model. The run
+    // then ends at once, before it touches the table again.
+    const QPointer<QSciSimpleTableModel> alive(table);
     TableFormulaRun run;
-    run.onFailure = [this](const TableFormulaRun::Failure& failure) { return askOnFailure(failure.result); };
-    run.checkpoint = [this](qint64 visited) {
+    run.onFailure = [this, &alive](const TableFormulaRun::Failure& failure) {
+        const TableFormulaRun::Decision decision = askOnFailure(failure.result);
+        return alive ? decision : TableFormulaRun::Decision::Stop;
+    };
+    run.checkpoint = [this, &alive](qint64 visited) {
         if (visited % 100 == 0)
             m_progress->setValue(int(qMin<qint64>(visited, INT_MAX)));
         QCoreApplication::processEvents();
-        return !m_stopRequested;
+        return alive && !m_stopRequested;
     };
     const TableFormulaRun::Outcome outcome = run.apply(*table, m_formula->text(), onlySelected ? &selection : nullptr);
     setRunning(false);
