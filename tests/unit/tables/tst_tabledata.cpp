@@ -5,6 +5,7 @@
 #include "core/tables/tabletext.h"
 #include "core/tables/textdocumentfile.h"
 
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -107,6 +108,47 @@ private slots:
         QVERIFY(refused(flipped, "File"));
         QVERIFY(!TableFile::read(m_dir.filePath(QStringLiteral("missing.table.velm")), &title, &message));
         QVERIFY(message.startsWith(QLatin1String("File does not exist")));
+    }
+
+    void mutatedFilesNeverCrashTheReader()
+    {
+        QSciSimpleTableModel table(6, 4);
+        for (int i = 0; i < 24; ++i)
+            table.setCellText(i / 4, i % 4, i % 5 ? awkward.at(i % awkward.size()) : QString());
+        const QString path = m_dir.filePath(QStringLiteral("f.table.velm"));
+        QString message, title;
+        QVERIFY(TableFile::write(path, table, QStringLiteral("t"), &message));
+        const QByteArray good = readAll(path);
+        const QByteArray text = qUncompress(good);
+        QRandomGenerator random(20261123);
+        int refused = 0;
+        // Half the cases damage the compressed bytes, half the tagged text under an intact frame.
+        for (int round = 0; round < 2000; ++round) {
+            QByteArray bytes = round % 2 ? good : text;
+            const int edits = 1 + int(random.bounded(4));
+            for (int e = 0; e < edits && !bytes.isEmpty(); ++e) {
+                const int at = int(random.bounded(bytes.size()));
+                switch (random.bounded(3)) {
+                case 0:
+                    bytes[at] = char(random.bounded(256));
+                    break;
+                case 1:
+                    bytes.truncate(at);
+                    break;
+                default:
+                    bytes.insert(at, "<|>&;0123456789"[random.bounded(15)]);
+                }
+            }
+            writeAll(path, round % 2 ? bytes : qCompress(bytes));
+            message.clear();
+            const auto back = TableFile::read(path, &title, &message);
+            if (back)
+                QVERIFY(qint64(back->rows()) * back->columns() <= QSciSimpleTableModel::MaxCells);
+            else
+                QVERIFY(!message.isEmpty());
+            refused += back ? 0 : 1;
+        }
+        QVERIFY(refused > 1000);
     }
 
     void importDetectsSeparatorsAndDecimalComma()
