@@ -1,6 +1,7 @@
 #include "cliargs.h"
 #include "clicommand.h"
 #include "cliitems.h"
+#include "documentinfo.h"
 
 #include "core/base/messages.h"
 #include "core/items/itemfile.h"
@@ -52,6 +53,14 @@ int runInfo(CliContext& ctx, CliArgs& args)
         return CliUsage;
     }
     const QString path = args.positional().first();
+    if (DocumentInfo::isDocumentFileName(path)) {
+        QJsonObject document;
+        QString message;
+        if (!DocumentInfo::describe(path, &document, &message))
+            return ctx.fail(message);
+        ctx.out << QJsonDocument(document).toJson(QJsonDocument::Indented);
+        return CliSuccess;
+    }
     if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path))
         return ctx.fail(Messages::unableToReadFromFile(path) + QLatin1Char('\n')
             + (QFileInfo(path).isDir() ? Messages::tr("is a directory")

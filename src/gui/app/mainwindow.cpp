@@ -55,6 +55,8 @@
 #include "searchreplacebar.h"
 #include "toolsdock.h"
 #include "undoredomenu.h"
+#include "gui/tables/tablespanel.h"
+#include "gui/tables/textspanel.h"
 
 namespace {
 
@@ -222,6 +224,10 @@ void MainWindow::buildForm()
     connect(m_clipboard, &ItemClipboard::changed, this, &MainWindow::updateItemActions);
     m_documentsDock = new DocumentsDock(this);
     addDockWidget(Qt::BottomDockWidgetArea, m_documentsDock);
+    m_tablesPanel = new TablesPanel(m_documentsDock);
+    m_textsPanel = new TextsPanel(m_documentsDock);
+    connect(m_tablesPanel, &TablesPanel::documentsChanged, this, [this] { m_project->setModified(true); });
+    connect(m_textsPanel, &TextsPanel::documentsChanged, this, [this] { m_project->setModified(true); });
 
     m_statusLabel = new QLabel(this);
     m_statusLabel->setObjectName(QStringLiteral("lbStatus"));
@@ -256,6 +262,16 @@ void MainWindow::wireActions()
 {
     m_actions->wire("actionTab", this, [this] { addCollectionTab(); });
     m_actions->wire("actionQuit", this, &QWidget::close);
+    m_actions->wire("actionTable", this, [this] {
+        m_documentsDock->show();
+        m_documentsDock->pages()->setCurrentWidget(m_documentsDock->tablesPage());
+        m_tablesPanel->newTable();
+    });
+    m_actions->wire("actionText", this, [this] {
+        m_documentsDock->show();
+        m_documentsDock->pages()->setCurrentWidget(m_documentsDock->textsPage());
+        m_textsPanel->newText();
+    });
     wireItemActions();
     wireFileActions();
 

@@ -13,6 +13,8 @@ class CollectionTab;
 class CollectionTabPage;
 class ComponentsDock;
 class DocumentsDock;
+class TablesPanel;
+class TextsPanel;
 class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
@@ -78,6 +80,8 @@ public:
     void setItemsMovable(bool movable);
     /** The tools of the "Toolbox" dock; they take the tabs' mouse while one other than the pointer is chosen. */
     ToolBox* toolBox() const { return m_toolBox; }
+    TablesPanel* tablesPanel() const { return m_tablesPanel; }
+    TextsPanel* textsPanel() const { return m_textsPanel; }
 
     /** Opens a native item file (or another format an importer reads) onto the current tab, or a project. */
     [[nodiscard]] bool openFile(const QString& path, QString* message);
@@ -248,6 +252,8 @@ private:
     bool askToSaveModified(const QString& title);
     bool saveProjectInteractively(bool askForName);
     bool openProjectReportingErrors(const QString& folder);
+    /** Replaces the table and text pages by those saved with the project in @p folder. */
+    void loadProjectDocuments(const QString& folder, QString* message);
     void saveItems(const QList<QSciImage*>& items);
     void exportItems(int kind);
     void exportVisibleArea(int kind);
@@ -265,6 +271,8 @@ private:
     ToolBox* m_toolBox = nullptr;
     ComponentsDock* m_componentsDock = nullptr;
     DocumentsDock* m_documentsDock = nullptr;
+    TablesPanel* m_tablesPanel = nullptr;
+    TextsPanel* m_textsPanel = nullptr;
     ItemContextMenu* m_contextMenu = nullptr;
     UndoRedoMenu* m_undoRedoMenu = nullptr;
     FormNewImage* m_formNewImage = nullptr;

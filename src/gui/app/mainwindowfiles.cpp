@@ -27,9 +27,13 @@
 #include "core/project/itemarrangement.h"
 #include "core/project/project.h"
 #include "core/project/projectfile.h"
+#include "core/tables/projectdocuments.h"
+#include "core/tables/qscisimpletablemodel.h"
 #include "core/settings/options.h"
 #include "decoratedpicturewriter.h"
 #include "formnewimage.h"
+#include "gui/tables/tablespanel.h"
+#include "gui/tables/textspanel.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
 #include "postscriptwriter.h"
@@ -164,7 +168,7 @@ QString MainWindow::chooseOne(FileChoice kind, const char* pathKey, const QStrin
 void MainWindow::openItems()
 {
     const QStringList chosen = chooseList(FileChoice::OpenFiles, "openMainDialogPath", tr("Open"),
-        tr("Velmora files (*.img.velm *.project.velm);;All files (*)"));
+        tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm);;All files (*)"));
     for (const QString& path : chosen) {
         QString message;
         if (!openFile(path, &message) || !message.isEmpty())
@@ -182,6 +186,12 @@ bool MainWindow::openFile(const QString& path, QString* message)
             return true;
         return openProject(info.isDir() ? info.absoluteFilePath() : info.absolutePath(), message);
     }
+    if (path.endsWith(QLatin1String(".table.velm"), Qt::CaseInsensitive))
+        return m_tablesPanel->openTableFile(path, message);
+    if (path.endsWith(QLatin1String(".text.velm"), Qt::CaseInsensitive))
+        return m_textsPanel->openTextFile(path, message);
+    if (path.endsWith(QLatin1String(".output.velm"), Qt::CaseInsensitive))
+        return m_textsPanel->openOutput(path, message);
 
     auto item = std::make_unique<QSciImage>();
     if (!ItemFile::load(*item, path, true, true, message))
@@ -246,15 +256,35 @@ bool MainWindow::openProject(const QString& folder, QString* message)
     ProgressDialogSink progress(this, tr("Open project"));
     if (!ProjectFile::load(*m_project, folder, &progress, message))
         return false;
+    loadProjectDocuments(folder, message);
     rememberLastProject(m_project->fileName());
     return true;
+}
+
+void MainWindow::loadProjectDocuments(const QString& folder, QString* message)
+{
+    m_tablesPanel->closeAll();
+    m_textsPanel->closeAll();
+    std::vector<ProjectDocuments::LoadedTable> tables;
+    QVector<ProjectDocuments::Text> texts;
+    QStringList problems;
+    ProjectDocuments::load(folder, &tables, &texts, &problems);
+    for (auto& table : tables)
+        m_tablesPanel->addTable(std::move(table.table), table.title);
+    for (const auto& text : qAsConst(texts))
+        m_textsPanel->newText(text.first, text.second);
+    if (!problems.isEmpty())
+        *message += (message->isEmpty() ? QString() : QStringLiteral("\n")) + problems.join(QLatin1Char('\n'));
+    m_project->setModified(false);
 }
 
 bool MainWindow::saveProject(const QString& folder, QString* message)
 {
     ProgressDialogSink progress(this, tr("Save project"));
-    if (!ProjectFile::save(*m_project, folder, &progress, message))
+    if (!ProjectFile::save(*m_project, folder, &progress, message)
+        || !ProjectDocuments::save(folder, m_tablesPanel->allTables(), m_textsPanel->allTexts(), message))
         return false;
+    m_project->setModified(false);
     rememberLastProject(m_project->fileName());
     return true;
 }
@@ -263,6 +293,8 @@ void MainWindow::clearProject()
 {
     QSciHistoryManager::instance()->forget(m_project);
     m_project->clear();
+    m_tablesPanel->closeAll();
+    m_textsPanel->closeAll();
     m_project->addTab();
     m_project->setCurrentIndex(0);
     m_project->setFileName(QString());
