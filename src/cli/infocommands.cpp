@@ -1,5 +1,6 @@
 #include "cliargs.h"
 #include "clicommand.h"
+#include "cliinstruments.h"
 #include "cliitems.h"
 
 #include "core/items/itemfile.h"
@@ -44,7 +45,7 @@ int runInfo(CliContext& ctx, CliArgs& args)
     }
     const QString path = args.positional().first();
     if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path))
-        return ctx.fail(QStringLiteral("Unable to read from file: ") + path);
+        return CliInstruments::info(ctx, path);
     ItemFile::Info info;
     QString message;
     if (!ItemFile::readInfo(path, &info, &message))
