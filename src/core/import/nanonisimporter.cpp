@@ -99,7 +99,7 @@ bool NanonisImporter::read(const QByteArray& data, const QString&, InstrumentFil
     const quint64 imageBytes = quint64(nx) * quint64(ny) * 4;
     const quint64 available = (reader.size() - dataStart) / imageBytes;
     // Slices of grid files claim "both" but hold one direction.
-    if (bothRows > 0 && available == quint64(images.size() - bothRows) && available < quint64(images.size())) {
+    if (bothRows > 0 && reader.size() - dataStart == quint64(images.size() - bothRows) * imageBytes) {
         QList<Image> forwardOnly;
         for (const Image& image : qAsConst(images)) {
             if (!image.backward || forwardOnly.isEmpty() || forwardOnly.last().name != image.name)
