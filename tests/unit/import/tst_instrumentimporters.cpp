@@ -77,36 +77,38 @@ private slots:
         QTest::addColumn<QString>("zUnit");
         QTest::addColumn<double>("zRange"); ///< of channel 0
         // Ranges and sizes as decoded independently from the raw bytes.
-        QTest::newRow("createc") << "createc_dat/A250407.141806.dat" << "Createc DAT" << 4 << 256 << 256 << 9.984e-8
-                                 << "m" << 6.58e-9;
-        QTest::newRow("createc preview") << "createc_dat/createc_scan_preview_120nm.dat" << "Createc DAT" << 40 << 64 << 64
-                                         << 1.2e-7 << "m" << 4.25e-9;
-        QTest::newRow("createc qplus") << "createc_dat/createc_scan_qplus_10ch_afm.dat" << "Createc DAT" << 10 << 256 << 256
-                                       << 1.5e-8 << "m" << 0.629e-9;
-        QTest::newRow("nanonis") << "nanonis_sxm/sxm_moire_10nm.sxm" << "Nanonis SXM" << 4 << 160 << 160 << 1e-8 << "m"
-                                 << 0.369e-9;
-        QTest::newRow("rhk topo") << "rhk_sm4/topo_ABC_Graphite-Sample5_9K_2021_08_13_19_11_10_065.sm4" << "RHK SM4" << 6
-                                  << 128 << 128 << 7.5e-8 << "A" << 17.15e-12;
-        QTest::newRow("rhk hopg") << "rhk_sm4/hopg_300k_2020_08_11_16_04_06_999.sm4" << "RHK SM4" << 6 << 256 << 256 << 1e-7
-                                  << "A" << 47.17e-12;
-        QTest::newRow("specs single") << "specs_mul_flm/test_single_image.mul" << "SPECS MUL/FLM" << 1 << 512 << 512 << 3e-8
-                                      << "m" << 13.16e-9;
-        QTest::newRow("specs mul") << "specs_mul_flm/test_mul.mul" << "SPECS MUL/FLM" << 4 << 512 << 512 << 1e-7 << "m"
-                                   << 5.22e-9;
-        QTest::newRow("specs flm") << "specs_mul_flm/test_flm.flm" << "SPECS MUL/FLM" << 5 << 512 << 512 << 1e-7 << "m"
-                                   << 21.46e-9;
-        QTest::newRow("nanoscope 9") << "bruker_nanoscope/di-3.di" << "Bruker Nanoscope" << 4 << 256 << 256 << 1e-5 << "m"
-                                     << 1210e-9;
-        QTest::newRow("nanoscope 7") << "bruker_nanoscope/di-1.di" << "Bruker Nanoscope" << 4 << 512 << 512 << 5e-7 << "m"
-                                     << 59.2e-9;
-        QTest::newRow("gwyddion") << "gwyddion_gwy/test_single_image.gwy" << "Gwyddion GWY" << 1 << 512 << 512 << 3e-8 << "m"
-                                  << 13.16e-9;
-        QTest::newRow("park") << "park_tiff/example_ps.tiff" << "Park TIFF" << 1 << 512 << 512 << 1e-6 << "m" << 36.69e-9;
-        QTest::newRow("matrix") << "omicron_flat/20201111--4_1.Z_mtrx" << "Omicron MATRIX" << 2 << 400 << 400 << 1e-7 << "m"
-                                << 2.73e-9;
-        QTest::newRow("czi grey") << "zeiss_czi/s_1_t_1_c_1_z_1.czi" << "Zeiss CZI" << 1 << 475 << 325 << 514.6e-6 << ""
-                                  << 919.0;
-        QTest::newRow("czi colour") << "zeiss_czi/RGB-8bit.czi" << "Zeiss CZI" << 1 << 924 << 624 << 1.001e-3 << "" << -1.0;
+        QTest::newRow("createc") << "createc_dat/A250407.141806.dat"
+                                 << "Createc DAT" << 4 << 256 << 256 << 9.984e-8 << "m" << 6.58e-9;
+        QTest::newRow("createc preview") << "createc_dat/createc_scan_preview_120nm.dat"
+                                         << "Createc DAT" << 40 << 64 << 64 << 1.2e-7 << "m" << 4.25e-9;
+        QTest::newRow("createc qplus") << "createc_dat/createc_scan_qplus_10ch_afm.dat"
+                                       << "Createc DAT" << 10 << 256 << 256 << 1.5e-8 << "m" << 0.629e-9;
+        QTest::newRow("nanonis") << "nanonis_sxm/sxm_moire_10nm.sxm"
+                                 << "Nanonis SXM" << 4 << 160 << 160 << 1e-8 << "m" << 0.369e-9;
+        QTest::newRow("rhk topo") << "rhk_sm4/topo_ABC_Graphite-Sample5_9K_2021_08_13_19_11_10_065.sm4"
+                                  << "RHK SM4" << 6 << 128 << 128 << 7.5e-8 << "A" << 17.15e-12;
+        QTest::newRow("rhk hopg") << "rhk_sm4/hopg_300k_2020_08_11_16_04_06_999.sm4"
+                                  << "RHK SM4" << 6 << 256 << 256 << 1e-7 << "A" << 47.17e-12;
+        QTest::newRow("specs single") << "specs_mul_flm/test_single_image.mul"
+                                      << "SPECS MUL/FLM" << 1 << 512 << 512 << 3e-8 << "m" << 13.16e-9;
+        QTest::newRow("specs mul") << "specs_mul_flm/test_mul.mul"
+                                   << "SPECS MUL/FLM" << 4 << 512 << 512 << 1e-7 << "m" << 5.22e-9;
+        QTest::newRow("specs flm") << "specs_mul_flm/test_flm.flm"
+                                   << "SPECS MUL/FLM" << 5 << 512 << 512 << 1e-7 << "m" << 21.46e-9;
+        QTest::newRow("nanoscope 9") << "bruker_nanoscope/di-3.di"
+                                     << "Bruker Nanoscope" << 4 << 256 << 256 << 1e-5 << "m" << 1210e-9;
+        QTest::newRow("nanoscope 7") << "bruker_nanoscope/di-1.di"
+                                     << "Bruker Nanoscope" << 4 << 512 << 512 << 5e-7 << "m" << 59.2e-9;
+        QTest::newRow("gwyddion") << "gwyddion_gwy/test_single_image.gwy"
+                                  << "Gwyddion GWY" << 1 << 512 << 512 << 3e-8 << "m" << 13.16e-9;
+        QTest::newRow("park") << "park_tiff/example_ps.tiff"
+                              << "Park TIFF" << 1 << 512 << 512 << 1e-6 << "m" << 36.69e-9;
+        QTest::newRow("matrix") << "omicron_flat/20201111--4_1.Z_mtrx"
+                                << "Omicron MATRIX" << 2 << 400 << 400 << 1e-7 << "m" << 2.73e-9;
+        QTest::newRow("czi grey") << "zeiss_czi/s_1_t_1_c_1_z_1.czi"
+                                  << "Zeiss CZI" << 1 << 475 << 325 << 514.6e-6 << "" << 919.0;
+        QTest::newRow("czi colour") << "zeiss_czi/RGB-8bit.czi"
+                                    << "Zeiss CZI" << 1 << 924 << 624 << 1.001e-3 << "" << -1.0;
     }
 
     void readsEverySample()
@@ -200,7 +202,8 @@ private slots:
     {
         InstrumentFile f;
         QString m;
-        QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("rhk_sm4/hopg_300k_2020_08_11_16_04_06_999.sm4")), &f, &m));
+        QVERIFY(InstrumentImporters::readFile(
+            sample(QStringLiteral("rhk_sm4/hopg_300k_2020_08_11_16_04_06_999.sm4")), &f, &m));
         QCOMPARE(f.skipped, QStringList { QStringLiteral("2 spectrum or line pages") });
         const QString iz = sample(QStringLiteral("rhk_sm4/Iz_gold_9K_2019_12_18_13_49_32_752.sm4"));
         QVERIFY(!InstrumentImporters::readFile(iz, &f, &m));
@@ -249,7 +252,8 @@ private slots:
     void refusesTruncatedAndSurvivesCorruptedCopies_data()
     {
         QTest::addColumn<QString>("file");
-        for (const QString& folder : QDir(QStringLiteral(VELMORA_SAMPLES_DIR)).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        for (const QString& folder :
+            QDir(QStringLiteral(VELMORA_SAMPLES_DIR)).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
             for (const QString& name : QDir(sample(folder)).entryList(QDir::Files)) {
                 if (!name.endsWith(QStringLiteral("_0001.mtrx")) && !name.startsWith(QStringLiteral("Iz_")))
                     QTest::newRow(qPrintable(name)) << folder + QLatin1Char('/') + name;
@@ -266,7 +270,8 @@ private slots:
         QString m;
         for (double fraction : { 0.0, 0.001, 0.1, 0.3, 0.5, 0.7, 0.9 }) {
             const int cut = int(original.size() * fraction) + 3;
-            QVERIFY2(!InstrumentImporters::readData(original.left(cut), path, &f, &m), qPrintable(QString::number(cut)));
+            QVERIFY2(
+                !InstrumentImporters::readData(original.left(cut), path, &f, &m), qPrintable(QString::number(cut)));
             QVERIFY(m.startsWith(QStringLiteral("Unable to read from file: ")));
         }
         QRandomGenerator random(1234);
