@@ -91,9 +91,7 @@ bool InstrumentImporters::readData(const QByteArray& data, const QString& path, 
     const InstrumentImporter* importer = find(data, path);
     QString reason;
     bool ok = false;
-    if (!importer) {
-        reason = Messages::tr("unknown file format");
-    } else {
+    if (importer) {
         *file = InstrumentFile();
         file->format = importer->name();
         ok = importer->read(data, path, file, &reason);

@@ -33,6 +33,7 @@
 #include "formitemproperties.h"
 #include "formnewimage.h"
 #include "formrecalibratez.h"
+#include "gui/import/fileimport.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "gui/tools/toolbox.h"
 #include "itemcontextmenu.h"
@@ -85,6 +86,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_formAdvancedAlignment = new FormAdvancedAlignment(this);
     m_formChooseColorGradient = new FormChooseColorGradient(this);
     m_formItemProperties = new FormItemProperties(this);
+    m_fileImport = new FileImport(this);
+    setAcceptDrops(true);
     createTimers();
     readSettings();
     readLastProject();

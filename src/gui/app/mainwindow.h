@@ -11,6 +11,7 @@ class CollectionTab;
 class CollectionTabPage;
 class ComponentsDock;
 class DocumentsDock;
+class FileImport;
 class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
@@ -68,6 +69,8 @@ public:
     void setItemsMovable(bool movable);
     /** The tools of the "Toolbox" dock; they take the tabs' mouse while one other than the pointer is chosen. */
     ToolBox* toolBox() const { return m_toolBox; }
+    /** Opens instrument, picture, raw and ASCII files, with the dialogs that ask about them. */
+    FileImport* fileImport() const { return m_fileImport; }
 
     /** Opens a native item file (or another format an importer reads) onto the current tab, or a project. */
     [[nodiscard]] bool openFile(const QString& path, QString* message);
@@ -80,6 +83,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
     /** Whether closing should offer to save the project; a test overrides it to reach the quit question. */
     virtual bool projectHasUnsavedChanges() const;
@@ -237,6 +242,8 @@ private:
     void exportVisibleArea(int kind);
     /** Puts a new item on the current tab as one history step, where it hides nothing already there. */
     void addNewItem(QSciImage* item, const QString& operationName);
+    /** The channels of a file that is not native, laid out on the current tab beside what is there. */
+    bool openImported(const QString& path, QString* message);
     void runPropertiesDialog(int mode);
 
     Project* m_project = nullptr;
@@ -255,6 +262,7 @@ private:
     FormAdvancedAlignment* m_formAdvancedAlignment = nullptr;
     FormChooseColorGradient* m_formChooseColorGradient = nullptr;
     FormItemProperties* m_formItemProperties = nullptr;
+    FileImport* m_fileImport = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_redoAction = nullptr;
     QLabel* m_statusLabel = nullptr;

@@ -1,0 +1,69 @@
+#include "core/import/instrumentimporters.h"
+#include "core/import/rawimport.h"
+
+#include <QImage>
+#include <QTemporaryDir>
+#include <QtTest>
+
+class TestPictureAndRawImport : public QObject {
+    Q_OBJECT
+
+private slots:
+    void pictureGreyLevelBecomesZTopRowOnTop()
+    {
+        QTemporaryDir dir;
+        QImage picture(3, 2, QImage::Format_RGB32);
+        picture.fill(Qt::black);
+        picture.setPixel(0, 0, qRgb(200, 200, 200)); // top left
+        picture.setPixel(2, 1, qRgb(255, 0, 0));
+        const QString path = dir.filePath(QStringLiteral("p.png"));
+        QVERIFY(picture.save(path));
+        InstrumentFile file;
+        QString message;
+        QVERIFY2(InstrumentImporters::readFile(path, &file, &message), qPrintable(message));
+        QCOMPARE(file.format, QStringLiteral("Picture"));
+        const ImportedChannel& c = file.channels.first();
+        QCOMPARE(c.z.at(0 * 2 + 1), 200.0);
+        QCOMPARE(c.z.at(2 * 2 + 0), double(qGray(qRgb(255, 0, 0))));
+        QCOMPARE(c.picture.pixel(2, 1), qRgb(255, 0, 0)); // the colours stay in the picture
+        // A PNG whose bytes end early is refused.
+        QFile whole(path);
+        QVERIFY(whole.open(QIODevice::ReadOnly));
+        QVERIFY(!InstrumentImporters::readData(whole.readAll().left(40), path, &file, &message));
+    }
+
+    void rawChecksItsSizeAgainstTheFile()
+    {
+        const float values[] = { 1.5f, -2.0f, 3.25f, 4.0f };
+        QByteArray data = QByteArray(8, 'h') + QByteArray(reinterpret_cast<const char*>(values), sizeof(values));
+        RawImport::Options o;
+        o.width = 2;
+        o.height = 2;
+        o.headerSize = 8;
+        ImportedChannel c;
+        QString message;
+        QVERIFY(RawImport::readRaw(data, o, &c, &message));
+        QCOMPARE(c.z, (QVector<double> { 3.25, 1.5, 4.0, -2.0 })); // column by column, rows from the bottom
+        o.headerSize = 9;
+        QVERIFY(!RawImport::readRaw(data, o, &c, &message));
+        o.headerSize = 0;
+        o.width = 1 << 20;
+        o.height = 1 << 20;
+        QVERIFY(!RawImport::readRaw(data, o, &c, &message));
+        QVERIFY(!message.isEmpty());
+    }
+
+    void asciiTakesAnySeparator()
+    {
+        ImportedChannel c;
+        QString message;
+        QVERIFY(RawImport::readAscii("1,2,3\n\n4;5\t6\n", &c, &message));
+        QCOMPARE(c.width, 3);
+        QCOMPARE(c.height, 2);
+        QCOMPARE(c.z.at(0 * 2 + 1), 1.0);
+        QVERIFY(!RawImport::readAscii("1 2\n3\n", &c, &message));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPictureAndRawImport)
+#include "tst_pictureandrawimport.moc"
