@@ -1,6 +1,7 @@
 #include "cliargs.h"
 #include "clicommand.h"
 
+#include "core/import/instrumentimporters.h"
 #include "core/settings/options.h"
 
 #include <QCoreApplication>
@@ -82,6 +83,8 @@ int main(int argc, char** argv)
     }
 
     Options::initialize(settingsDir);
+    // Item commands then take instrument files too, as their first channel.
+    InstrumentImporters::registerItemImporter();
     CliContext context { out, err, threads, isatty(STDERR_FILENO) != 0 };
     CliArgs commandArgs(rest.mid(1));
     const int status = found->run(context, commandArgs);

@@ -51,21 +51,28 @@ private:
     QList<QPair<QString, QString>> m_order;
 };
 
-/** Inflates at most @p limit bytes; the padding after the images is not needed. */
+/**
+ * Inflates at most @p limit bytes; the padding after the images is not needed. The buffer grows with what the
+ * stream really yields, so a header that claims huge images costs nothing before the data run out.
+ */
 bool inflateLimited(const char* data, qint64 size, qint64 limit, QByteArray* out)
 {
     z_stream stream {};
     if (inflateInit(&stream) != Z_OK)
         return false;
-    out->resize(int(limit));
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(data));
     stream.avail_in = uInt(size);
-    stream.next_out = reinterpret_cast<Bytef*>(out->data());
-    stream.avail_out = uInt(limit);
+    out->clear();
+    qint64 produced = 0;
     int status = Z_OK;
-    while (status == Z_OK && stream.avail_out > 0)
+    while (status == Z_OK && produced < limit) {
+        const qint64 step = qMin<qint64>(limit - produced, qMax<qint64>(qint64(1) << 20, produced));
+        out->resize(int(produced + step));
+        stream.next_out = reinterpret_cast<Bytef*>(out->data() + produced);
+        stream.avail_out = uInt(step);
         status = inflate(&stream, Z_NO_FLUSH);
-    const qint64 produced = qint64(limit) - stream.avail_out;
+        produced += step - stream.avail_out;
+    }
     inflateEnd(&stream);
     out->resize(int(produced));
     return produced == limit;
