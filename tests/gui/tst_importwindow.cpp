@@ -8,6 +8,7 @@
 #include <QtTest>
 #include <memory>
 
+#include "core/display/colorgradient.h"
 #include "core/project/collectiontab.h"
 #include "core/project/project.h"
 #include "gui/import/fileimport.h"
@@ -112,6 +113,7 @@ private slots:
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write("1,2;3\n4 5\t6\n");
         }
+        Options::setString(QStringLiteral("FormChooseColorGradient.gradient"), ColorGradient::builtIn(3).toString());
         QMimeData mime;
         mime.setUrls({ QUrl::fromLocalFile(csv) });
         QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
@@ -124,6 +126,9 @@ private slots:
         QCOMPARE(ascii->size(), QSize(3, 2));
         QCOMPARE(ascii->z(2, 1), 3.0);
         QCOMPARE(ascii->z(0, 0), 4.0);
+        // ASCII data take the gradient chosen last.
+        QVERIFY(ColorGradient().toString() != ColorGradient::builtIn(3).toString());
+        QCOMPARE(ascii->colorGradient().toString(), ColorGradient::builtIn(3).toString());
     }
 };
 

@@ -4,6 +4,7 @@
 #include "core/import/instrumentimporters.h"
 #include "core/import/rawimport.h"
 #include "core/items/qsciimage.h"
+#include "core/settings/options.h"
 #include "gui/import/formchoosechannels.h"
 #include "gui/import/formrawimport.h"
 
@@ -90,9 +91,17 @@ bool FileImport::read(const QString& path, const DialogRunner& run, QList<QSciIm
             return true;
         chosen = m_chooseChannels->chosen();
     }
+    // Raw and ASCII data have no colours of their own: they take the gradient chosen last.
+    const bool ownGradient = rawSuffixes.contains(suffix) || asciiSuffixes.contains(suffix);
     for (int index : qAsConst(chosen)) {
         auto* item = new QSciImage;
         InstrumentImporters::toItem(file, index, path, *item);
+        if (ownGradient) {
+            ColorGradient gradient;
+            gradient.fromString(Options::getString(QStringLiteral("FormChooseColorGradient.gradient"), QString()));
+            item->setColorGradient(gradient);
+            item->mapZToPicture();
+        }
         items->append(item);
     }
     return true;
