@@ -1,4 +1,5 @@
 #include "core/import/instrumentimporters.h"
+#include "core/import/pictureimporter.h"
 #include "core/items/qsciimage.h"
 
 #include <QDir>
@@ -196,6 +197,25 @@ private slots:
         QVERIFY(InstrumentImporters::readFile(sample(file), &f, &m));
         const double r = correlation(f.channels[forward], f.channels[backward]);
         QVERIFY2(r > 0.5, qPrintable(QString::number(r)));
+    }
+
+    // Park's TIFF picture is a preview of the data the right way up: the two must look alike.
+    void parkDataMatchesItsPreview()
+    {
+        const QString path = sample(QStringLiteral("park_tiff/example_ps.tiff"));
+        InstrumentFile data, preview;
+        QString m;
+        QVERIFY(InstrumentImporters::readFile(path, &data, &m));
+        if (!PictureImporter().read(bytes(path), path, &preview, &m))
+            QSKIP("no TIFF reader for the preview");
+        const ImportedChannel& z = data.channels.first();
+        ImportedChannel halved = preview.channels.first();
+        QCOMPARE(halved.width * 2, z.width);
+        for (int x = 0; x < halved.width; ++x) {
+            for (int y = 0; y < halved.height; ++y)
+                halved.z[qsizetype(x) * halved.height + y] = z.z.at(qsizetype(2 * x) * z.height + 2 * y);
+        }
+        QVERIFY(correlation(halved, preview.channels.first()) > 0.9);
     }
 
     void skipsSpectraAndRefusesFilesWithoutImages()

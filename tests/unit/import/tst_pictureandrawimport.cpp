@@ -32,6 +32,22 @@ private slots:
         QVERIFY(!InstrumentImporters::readData(whole.readAll().left(40), path, &file, &message));
     }
 
+    // A plain TIFF is a picture; only Park's private tags make it an instrument file.
+    void plainTiffIsAPicture()
+    {
+        QTemporaryDir dir;
+        QImage picture(4, 3, QImage::Format_RGB32);
+        picture.fill(qRgb(10, 20, 30));
+        const QString path = dir.filePath(QStringLiteral("p.tif"));
+        if (!picture.save(path))
+            QSKIP("no TIFF writer");
+        InstrumentFile file;
+        QString message;
+        QVERIFY2(InstrumentImporters::readFile(path, &file, &message), qPrintable(message));
+        QCOMPARE(file.format, QStringLiteral("Picture"));
+        QCOMPARE(file.channels.first().z.first(), double(qGray(qRgb(10, 20, 30))));
+    }
+
     void rawChecksItsSizeAgainstTheFile()
     {
         const float values[] = { 1.5f, -2.0f, 3.25f, 4.0f };
