@@ -18,6 +18,9 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
+
+Q_LOGGING_CATEGORY(lcImport, "velmora.import")
 
 const QList<const InstrumentImporter*>& InstrumentImporters::all()
 {
@@ -106,6 +109,8 @@ bool InstrumentImporters::readData(const QByteArray& data, const QString& path, 
             *message += QStringLiteral(" (") + reason + QLatin1Char(')');
         return false;
     }
+    for (const QString& line : qAsConst(file->skipped))
+        qCInfo(lcImport) << path << "skipped:" << line;
     for (ImportedChannel& channel : file->channels)
         ImportSupport::fillMissing(channel);
     return true;
