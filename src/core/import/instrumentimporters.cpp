@@ -20,7 +20,8 @@
 #include <QFileInfo>
 #include <QLoggingCategory>
 
-Q_LOGGING_CATEGORY(lcImport, "velmora.import")
+// Quiet unless asked for (QT_LOGGING_RULES="velmora.import.info=true"): the CLI keeps stderr for failures.
+Q_LOGGING_CATEGORY(lcImport, "velmora.import", QtWarningMsg)
 
 const QList<const InstrumentImporter*>& InstrumentImporters::all()
 {
