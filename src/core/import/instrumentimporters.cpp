@@ -9,6 +9,7 @@
 #include "core/import/matriximporter.h"
 #include "core/import/nanonisimporter.h"
 #include "core/import/nanoscopeimporter.h"
+#include "core/import/omicronflatimporter.h"
 #include "core/import/parktiffimporter.h"
 #include "core/import/pictureimporter.h"
 #include "core/import/rhkimporter.h"
@@ -34,10 +35,11 @@ const QList<const InstrumentImporter*>& InstrumentImporters::all()
     static const GwyImporter gwy;
     static const ParkTiffImporter park;
     static const MatrixImporter matrix;
+    static const OmicronFlatImporter flat;
     static const CziImporter czi;
     static const PictureImporter picture;
     static const QList<const InstrumentImporter*> list { &createc, &nanonis, &rhk, &specs, &nanoscope, &gwy, &park,
-        &matrix, &czi, &picture };
+        &matrix, &flat, &czi, &picture };
     return list;
 }
 

@@ -48,6 +48,56 @@ private slots:
         QCOMPARE(file.channels.first().z.first(), double(qGray(qRgb(10, 20, 30))));
     }
 
+    // A Flat file written here by its published layout: X mirrored (trace and retrace rows), up pass only.
+    void omicronFlatSplitsTraceAndRetrace()
+    {
+        QByteArray flat("FLAT0100");
+        QDataStream out(&flat, QIODevice::Append);
+        out.setByteOrder(QDataStream::LittleEndian);
+        out.setFloatingPointPrecision(QDataStream::DoublePrecision);
+        const auto text = [&out](const QString& s) {
+            out << quint32(s.size());
+            for (QChar c : s)
+                out << quint16(c.unicode());
+        };
+        out << quint32(2);
+        for (const auto& [name, clocks, mirrored] :
+            { std::make_tuple("Default::XYScanner::X", 6, 1), std::make_tuple("Default::XYScanner::Y", 2, 0) }) {
+            text(QString::fromLatin1(name));
+            text(QString());
+            text(QStringLiteral("m"));
+            out << quint32(clocks) << qint32(0) << qint32(1) << 1e-9 << 2e-9 << qint32(mirrored) << quint32(0);
+        }
+        text(QStringLiteral("Z"));
+        text(QStringLiteral("TFF_Linear1D"));
+        text(QStringLiteral("m"));
+        out << quint32(2);
+        text(QStringLiteral("Factor"));
+        out << 2.0;
+        text(QStringLiteral("Offset"));
+        out << 0.0;
+        out << quint32(1) << quint32(3) << quint64(1605085646);
+        text(QStringLiteral("info"));
+        out << quint32(12) << quint32(12);
+        for (qint32 raw = 0; raw < 12; ++raw)
+            out << raw;
+        InstrumentFile file;
+        QString message;
+        QVERIFY2(
+            InstrumentImporters::readData(flat, QStringLiteral("s--1_1.Z_flat"), &file, &message), qPrintable(message));
+        QCOMPARE(file.format, QStringLiteral("Omicron Flat"));
+        QCOMPARE(file.channels.size(), 2);
+        const ImportedChannel& trace = file.channels.at(0);
+        const ImportedChannel& retrace = file.channels.at(1);
+        QCOMPARE(trace.width, 3);
+        QCOMPARE(trace.height, 2);
+        QCOMPARE(trace.sciValues.sizeX, 6e-9);
+        QCOMPARE(trace.z, (QVector<double> { 0, 3, 0.5, 3.5, 1, 4 })); // first line at the bottom
+        QCOMPARE(retrace.z, (QVector<double> { 2.5, 5.5, 2, 5, 1.5, 4.5 })); // retrace rows run right to left
+        QVERIFY(
+            !InstrumentImporters::readData(flat.left(flat.size() - 3), QStringLiteral("s.Z_flat"), &file, &message));
+    }
+
     void rawChecksItsSizeAgainstTheFile()
     {
         const float values[] = { 1.5f, -2.0f, 3.25f, 4.0f };
