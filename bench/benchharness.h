@@ -25,6 +25,7 @@ struct BenchContext {
     QString workDir; ///< a scratch folder, removed at exit
     quint64 seed = 12345;
     int threads = 0;
+    QString file; ///< an input file for jobs that read one (--file)
 };
 
 using BenchJobFactory = QList<BenchJob> (*)(BenchContext& context);

@@ -15,7 +15,8 @@ namespace {
 
 int usage(QTextStream& err)
 {
-    err << "Usage: velmora-bench [--size WxH] [--raw FILE] [--seed S] [--reps N] [--only REGEX] [--threads N]"
+    err << "Usage: velmora-bench [--size WxH] [--raw FILE] [--seed S] [--reps N] [--only REGEX] [--threads N] [--file "
+           "FILE]"
         << Qt::endl;
     return 2;
 }
@@ -90,6 +91,8 @@ int main(int argc, char** argv)
         } else if (arg == QLatin1String("--only")) {
             only.setPattern(value);
             ok = only.isValid();
+        } else if (arg == QLatin1String("--file")) {
+            context.file = value;
         } else if (arg == QLatin1String("--threads")) {
             context.threads = value.toInt(&ok);
             ok = ok && context.threads > 0;

@@ -19,6 +19,12 @@ add_library(velmora_test_common INTERFACE)
 target_link_libraries(velmora_test_common INTERFACE velmora_common_base)
 target_compile_definitions(velmora_test_common INTERFACE QT_RESTRICTED_CAST_FROM_ASCII)
 
+# Fuzzing instruments every library for coverage; only the fuzz targets link the fuzzer's main.
+if(VELMORA_FUZZ)
+  target_compile_options(velmora_common_base INTERFACE -fsanitize=fuzzer-no-link,address -fno-omit-frame-pointer)
+  target_link_options(velmora_common_base INTERFACE -fsanitize=address)
+endif()
+
 option(VELMORA_SANITIZE "Build with AddressSanitizer and UBSan" OFF)
 if(VELMORA_SANITIZE)
   target_compile_options(velmora_common_base INTERFACE -fsanitize=address,undefined -fno-omit-frame-pointer)

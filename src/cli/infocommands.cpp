@@ -1,5 +1,6 @@
 #include "cliargs.h"
 #include "clicommand.h"
+#include "cliinstruments.h"
 #include "cliitems.h"
 #include "documentinfo.h"
 
@@ -61,10 +62,11 @@ int runInfo(CliContext& ctx, CliArgs& args)
         ctx.out << QJsonDocument(document).toJson(QJsonDocument::Indented);
         return CliSuccess;
     }
-    if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path))
-        return ctx.fail(Messages::unableToReadFromFile(path) + QLatin1Char('\n')
-            + (QFileInfo(path).isDir() ? Messages::tr("is a directory")
-                                       : Messages::tr("not a native file (its name does not end in .img.velm)")));
+    if (!ItemFile::isNativeFileName(path) && QFileInfo::exists(path)) {
+        if (QFileInfo(path).isDir())
+            return ctx.fail(Messages::unableToReadFromFile(path) + QLatin1Char('\n') + Messages::tr("is a directory"));
+        return CliInstruments::info(ctx, path);
+    }
     ItemFile::Info info;
     QString message;
     if (!ItemFile::readInfo(path, &info, &message))

@@ -2,6 +2,7 @@
 #include "clicommand.h"
 
 #include "core/history/historylog.h"
+#include "core/import/instrumentimporters.h"
 #include "core/settings/options.h"
 
 #include <QGuiApplication>
@@ -120,6 +121,8 @@ int main(int argc, char** argv)
     }
 
     Options::initialize(settingsDir);
+    // Item commands then take instrument files too, as their first channel.
+    InstrumentImporters::registerItemImporter();
     CliContext context { out, err, threads, isatty(STDERR_FILENO) != 0 };
     CliArgs commandArgs(rest.mid(1));
     const int status = found->run(context, commandArgs);

@@ -43,6 +43,7 @@
 #include "gui/processing/formfouriertransform.h"
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
+#include "gui/import/fileimport.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "gui/help/forminfo.h"
 #include "gui/help/helpbrowser.h"
@@ -155,6 +156,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_helpBrowser = new HelpBrowser(this);
     m_formInfo = new FormInfo(this);
     wireHelpActions();
+    m_fileImport = new FileImport(this);
+    setAcceptDrops(true);
     createTimers();
     readSettings();
     readLastProject();

@@ -15,6 +15,7 @@ class ComponentsDock;
 class DocumentsDock;
 class TablesPanel;
 class TextsPanel;
+class FileImport;
 class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
@@ -82,6 +83,8 @@ public:
     ToolBox* toolBox() const { return m_toolBox; }
     TablesPanel* tablesPanel() const { return m_tablesPanel; }
     TextsPanel* textsPanel() const { return m_textsPanel; }
+    /** Opens instrument, picture, raw and ASCII files, with the dialogs that ask about them. */
+    FileImport* fileImport() const { return m_fileImport; }
 
     /** Opens a native item file (or another format an importer reads) onto the current tab, or a project. */
     [[nodiscard]] bool openFile(const QString& path, QString* message);
@@ -94,6 +97,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
     /** Whether closing should offer to save the project; a test overrides it to reach the quit question. */
     virtual bool projectHasUnsavedChanges() const;
@@ -259,6 +264,8 @@ private:
     void exportVisibleArea(int kind);
     /** Puts a new item on the current tab as one history step, where it hides nothing already there. */
     void addNewItem(QSciImage* item, const QString& operationName);
+    /** The channels of a file that is not native, laid out on the current tab beside what is there. */
+    bool openImported(const QString& path, QString* message);
     void runPropertiesDialog(int mode);
 
     std::unique_ptr<BusyCursor> m_busyCursor;
@@ -285,6 +292,7 @@ private:
     FormItemProperties* m_formItemProperties = nullptr;
     HelpBrowser* m_helpBrowser = nullptr;
     FormInfo* m_formInfo = nullptr;
+    FileImport* m_fileImport = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_redoAction = nullptr;
     QLabel* m_statusLabel = nullptr;

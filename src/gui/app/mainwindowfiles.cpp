@@ -8,9 +8,12 @@
 #include <QBuffer>
 #include <QDateTime>
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGraphicsView>
+#include <QMimeData>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrintDialog>
@@ -34,6 +37,7 @@
 #include "formnewimage.h"
 #include "gui/tables/tablespanel.h"
 #include "gui/tables/textspanel.h"
+#include "gui/import/fileimport.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
 #include "postscriptwriter.h"
@@ -168,7 +172,7 @@ QString MainWindow::chooseOne(FileChoice kind, const char* pathKey, const QStrin
 void MainWindow::openItems()
 {
     const QStringList chosen = chooseList(FileChoice::OpenFiles, "openMainDialogPath", tr("Open"),
-        tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm);;All files (*)"));
+        FileImport::openFilter(tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm)")));
     for (const QString& path : chosen) {
         QString message;
         if (!openFile(path, &message) || !message.isEmpty())
@@ -193,11 +197,49 @@ bool MainWindow::openFile(const QString& path, QString* message)
     if (path.endsWith(QLatin1String(".output.velm"), Qt::CaseInsensitive))
         return m_textsPanel->openOutput(path, message);
 
+    if (!ItemFile::isNativeFileName(path) && info.exists())
+        return openImported(path, message);
     auto item = std::make_unique<QSciImage>();
     if (!ItemFile::load(*item, path, true, true, message))
         return false;
     addNewItem(item.release(), tr("Open"));
     return true;
+}
+
+bool MainWindow::openImported(const QString& path, QString* message)
+{
+    QList<QSciImage*> items;
+    if (!m_fileImport->read(
+            path, [this](QDialog* dialog) { return runDialog(dialog); }, &items, message))
+        return false;
+    constexpr int gap = 10;
+    QRect occupied;
+    if (CollectionTab* tab = m_project->currentTab()) {
+        for (const QSciImage* other : tab->items())
+            occupied |= other->tabRect();
+    }
+    FileImport::layOut(items, occupied.isNull() ? QPoint() : QPoint(occupied.right() + 1 + gap, occupied.top()), gap);
+    for (QSciImage* item : qAsConst(items))
+        addNewItem(item, tr("Open"));
+    return true;
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (!url.isLocalFile())
+            continue;
+        QString message;
+        if (!openFile(url.toLocalFile(), &message) || !message.isEmpty())
+            showMessage(tr("Open"), message);
+    }
+    event->acceptProposedAction();
 }
 
 void MainWindow::addNewItem(QSciImage* item, const QString& operationName)
