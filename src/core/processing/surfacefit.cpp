@@ -51,7 +51,17 @@ bool SurfaceFit::fit(const double* z, const unsigned char* mask, int width, int 
         for (int x = unit * Band; x < std::min(width, (unit + 1) * Band); ++x) {
             const double* column = z + size_t(x) * height;
             const unsigned char* used = mask ? mask + size_t(x) * height : nullptr;
-            for (int j = 0; j <= order; ++j) {
+            if (!used && order == 1) {
+                // A plane over every point: one pass for both sums, the row coordinate counted, not loaded.
+                double s0 = 0, sy = 0, y = 0;
+                for (int k = 0; k < height; ++k, y += 1) {
+                    s0 += column[k];
+                    sy += y * column[k];
+                }
+                sums[0] = s0;
+                sums[1] = height > 1 ? (2 * sy - (height - 1) * s0) / (height - 1) : 0.0;
+            }
+            for (int j = 0; j <= order && (used || order != 1); ++j) {
                 const double* vp = &vpow[size_t(j) * height];
                 double s = 0;
                 if (used) {
@@ -130,9 +140,11 @@ bool SurfaceFit::subtract(double* z, int width, int height, int order, const Coe
             double* column = z + size_t(x) * height;
             const double* v = &vpow[size_t(std::min(order, 1)) * height];
             if (order <= 1) {
-                const double c0 = perRow[0], c1 = order == 1 ? perRow[1] : 0.0;
+                // The plane along a column is a line: its value at each row follows from the first and the step.
+                const double c1 = order == 1 ? perRow[1] : 0.0;
+                const double first = perRow[0] + c1 * v[0], step = height > 1 ? c1 * 2.0 / (height - 1) : 0.0;
                 for (int y = 0; y < height; ++y)
-                    column[y] -= c0 + c1 * v[y];
+                    column[y] -= first + step * y;
                 continue;
             }
             for (int y = 0; y < height; ++y) {
