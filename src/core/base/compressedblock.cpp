@@ -238,7 +238,7 @@ void feedSink(const CompressedBlock::Inflation& job, char* out, qsizetype offset
  * A piece in one call of libdeflate, which wants a stream that ends: a piece that ends on a sync flush gets a
  * final empty block appended (a fixed-Huffman block with only its end code, bytes 03 00) in a copy.
  */
-bool inflatePieceWhole(InflateTask& task, const CompressedBlock::Inflation& job, char* destination)
+bool inflatePieceWhole(InflateTask& task, const CompressedBlock::Inflation& job, char* out)
 {
     const uchar* in = task.in;
     size_t length = size_t(task.inLength);
@@ -251,7 +251,6 @@ bool inflatePieceWhole(InflateTask& task, const CompressedBlock::Inflation& job,
         in = copy.data();
         length += 2;
     }
-    char* out = destination + task.outOffset;
     size_t consumed = 0;
     const libdeflate_result result
         = libdeflate_deflate_decompress_ex(decompressor(), in, length, out, size_t(task.outLength), &consumed, nullptr);
@@ -266,8 +265,14 @@ bool inflatePieceWhole(InflateTask& task, const CompressedBlock::Inflation& job,
 bool inflatePiece(InflateTask& task, const CompressedBlock::Inflation& job, char* destination)
 {
     if (destination)
-        return inflatePieceWhole(task, job, destination);
-    // Without a destination the output is only streamed to the sink, a chunk at a time, through zlib.
+        return inflatePieceWhole(task, job, destination + task.outOffset);
+    if (task.outLength <= 4 * PieceSize) {
+        // Only the sink wants the bytes: a piece fits a scratch buffer of the thread.
+        thread_local std::vector<char> scratch;
+        scratch.resize(size_t(task.outLength));
+        return inflatePieceWhole(task, job, scratch.data());
+    }
+    // A piece beyond what the writer makes streams to the sink a chunk at a time, through zlib.
     z_stream stream {};
     if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
         return false;
@@ -289,6 +294,12 @@ bool inflatePiece(InflateTask& task, const CompressedBlock::Inflation& job, char
 /** A whole zlib stream in one go; the inflater checks the Adler-32 itself. */
 bool inflateStream(const CompressedBlock::Inflation& job, char* destination)
 {
+    // Only the sink wants the bytes: they are inflated into a buffer of their own, freed at once.
+    std::unique_ptr<char[]> scratch;
+    if (!destination && job.destinationSize <= (qsizetype(256) << 20)) {
+        scratch.reset(new (std::nothrow) char[size_t(qMax<qsizetype>(job.destinationSize, 1))]);
+        destination = scratch.get();
+    }
     if (destination) {
         // The stated size is exact: libdeflate refuses a stream that gives fewer or more bytes.
         size_t consumed = 0;
