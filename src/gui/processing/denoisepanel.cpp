@@ -1,9 +1,7 @@
 #include "denoisepanel.h"
 
-#include <QButtonGroup>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
-#include <QGroupBox>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -30,17 +28,7 @@ DenoisePanel::DenoisePanel(QWidget* parent)
     auto* form = new QFormLayout;
     form->addRow(tr("Radius"), m_radius);
     form->addRow(tr("Number of loops"), m_loops);
-    auto* regionBox = new QGroupBox(tr("Region"), this);
-    auto* regionLayout = new QVBoxLayout(regionBox);
-    auto* regions = new QButtonGroup(this);
-    for (QRadioButton* button : { m_entire, m_selection }) {
-        regionLayout->addWidget(button);
-        regions->addButton(button);
-        connect(button, &QRadioButton::toggled, this, [this](bool on) {
-            if (on)
-                collect();
-        });
-    }
+    QWidget* regionBox = choiceGroup(tr("Region"), { m_entire, m_selection }, [this] { collect(); });
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addWidget(regionBox);

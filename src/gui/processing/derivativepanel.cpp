@@ -1,6 +1,5 @@
 #include "derivativepanel.h"
 
-#include <QButtonGroup>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -54,13 +53,8 @@ DerivativePanel::DerivativePanel(QWidget* parent)
     m_border->addItems({ tr("Replicate"), tr("Wrap around") });
     m_angle->setObjectName(QStringLiteral("lbShadingDirection"));
 
-    auto* modeBox = new QGroupBox(tr("Mode"), this);
-    auto* modeLayout = new QVBoxLayout(modeBox);
-    modeLayout->addWidget(m_gradient);
-    modeLayout->addWidget(m_directional);
-    auto* modes = new QButtonGroup(this);
-    modes->addButton(m_gradient);
-    modes->addButton(m_directional);
+    const auto collectNow = [this] { collect(); };
+    QWidget* modeBox = choiceGroup(tr("Mode"), { m_gradient, m_directional }, collectNow);
 
     auto* form = new QFormLayout;
     form->addRow(tr("Number of points"), m_points);
@@ -68,13 +62,7 @@ DerivativePanel::DerivativePanel(QWidget* parent)
     form->addRow(tr("Add / substract origin data"), m_origin);
     form->addRow(tr("Border pixel handling"), m_border);
 
-    auto* directionBox = new QGroupBox(tr("Gradient direction"), this);
-    auto* directionLayout = new QVBoxLayout(directionBox);
-    auto* directions = new QButtonGroup(this);
-    for (QRadioButton* button : { m_xy, m_x, m_y }) {
-        directionLayout->addWidget(button);
-        directions->addButton(button);
-    }
+    QWidget* directionBox = choiceGroup(tr("Gradient direction"), { m_xy, m_x, m_y }, collectNow);
 
     auto* shadingBox = new QGroupBox(tr("Shading direction"), this);
     auto* shadingLayout = new QHBoxLayout(shadingBox);
@@ -86,13 +74,7 @@ DerivativePanel::DerivativePanel(QWidget* parent)
     shadingLayout->addWidget(m_angle, 1, Qt::AlignCenter);
     shadingLayout->addWidget(increase);
 
-    auto* regionBox = new QGroupBox(tr("Region"), this);
-    auto* regionLayout = new QVBoxLayout(regionBox);
-    auto* regions = new QButtonGroup(this);
-    for (QRadioButton* button : { m_whole, m_selected }) {
-        regionLayout->addWidget(button);
-        regions->addButton(button);
-    }
+    QWidget* regionBox = choiceGroup(tr("Region"), { m_whole, m_selected }, collectNow);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(modeBox);
@@ -102,11 +84,6 @@ DerivativePanel::DerivativePanel(QWidget* parent)
     layout->addWidget(regionBox);
     layout->addStretch(1);
 
-    for (QRadioButton* button : { m_gradient, m_directional, m_xy, m_x, m_y, m_whole, m_selected })
-        connect(button, &QRadioButton::toggled, this, [this](bool on) {
-            if (on)
-                collect();
-        });
     for (QSpinBox* box : { m_points, m_order, m_origin })
         connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this, &DerivativePanel::collect);
     connect(m_border, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &DerivativePanel::collect);

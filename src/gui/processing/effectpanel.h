@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
+#include <initializer_list>
 
 #include "core/processing/qscieffect.h"
 
@@ -8,6 +10,8 @@
  * One page of the image-processing dialog: the widgets of one effect's options. A panel owns its effect,
  * writes every edit into it and says so with changed(); the dialog previews and applies the effect.
  */
+class QAbstractButton;
+
 class EffectPanel : public QWidget {
     Q_OBJECT
 
@@ -21,6 +25,14 @@ public:
     virtual void pickPoint(const QPoint& point);
     /** Reads the effect's options from the settings and shows them. */
     virtual void readSettings() = 0;
+
+protected:
+    /**
+     * A group of exclusive choices titled @p title (the region an effect works on, a mode), one button a row;
+     * @p chosen runs when a button becomes the chosen one.
+     */
+    QWidget* choiceGroup(
+        const QString& title, std::initializer_list<QAbstractButton*> buttons, const std::function<void()>& chosen);
 
 signals:
     /** An option changed; the effect already holds it. */

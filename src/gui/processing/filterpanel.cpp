@@ -1,11 +1,9 @@
 #include "filterpanel.h"
 
-#include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QFormLayout>
-#include <QGroupBox>
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QVBoxLayout>
@@ -60,17 +58,7 @@ FilterPanel::FilterPanel(QWidget* parent)
     m_form->addRow(tr("Direction"), m_direction);
     m_form->addRow(tr("Radius"), m_radius);
     m_form->addRow(tr("Peaks beyond (standard deviations)"), m_despike);
-    auto* regionBox = new QGroupBox(tr("Region"), this);
-    auto* regionLayout = new QVBoxLayout(regionBox);
-    auto* regions = new QButtonGroup(this);
-    for (QRadioButton* button : { m_whole, m_selected }) {
-        regionLayout->addWidget(button);
-        regions->addButton(button);
-        connect(button, &QRadioButton::toggled, this, [this](bool on) {
-            if (on)
-                collect();
-        });
-    }
+    QWidget* regionBox = choiceGroup(tr("Region"), { m_whole, m_selected }, [this] { collect(); });
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(m_form);
     layout->addWidget(regionBox);

@@ -407,6 +407,29 @@ void TablesPanel::replaceTable(std::unique_ptr<QSciSimpleTableModel> model)
     emit documentsChanged();
 }
 
+namespace {
+
+using Removal = std::unique_ptr<QSciSimpleTableModel> (*)(const QSciSimpleTableModel&, int, int);
+
+/** The table without the rows (or columns) at @p indexes (ascending); null when one removal fails. */
+std::unique_ptr<QSciSimpleTableModel> removeEach(
+    const QSciSimpleTableModel& table, const QList<int>& indexes, Removal remove)
+{
+    std::unique_ptr<QSciSimpleTableModel> model;
+    const QSciSimpleTableModel* source = &table;
+    // From the last one back, so that the indexes still to go keep their meaning.
+    for (auto it = indexes.crbegin(); it != indexes.crend(); ++it) {
+        auto next = remove(*source, *it, 1);
+        if (!next)
+            return nullptr;
+        model = std::move(next);
+        source = model.get();
+    }
+    return model;
+}
+
+} // namespace
+
 void TablesPanel::insertRows()
 {
     if (TableView* view = currentTable()) {
@@ -418,22 +441,8 @@ void TablesPanel::insertRows()
 void TablesPanel::deleteRows()
 {
     TableView* view = currentTable();
-    if (!view || view->selectedRows().isEmpty())
-        return;
-    std::unique_ptr<QSciSimpleTableModel> model;
-    const QList<int> rows = view->selectedRows();
-    // From the bottom up, so that the indexes still to go keep their meaning.
-    const QSciSimpleTableModel* source = view->table();
-    for (auto it = rows.crbegin(); it != rows.crend(); ++it) {
-        auto next = TableReshape::removeRows(*source, *it, 1);
-        if (!next) {
-            model.reset();
-            break;
-        }
-        model = std::move(next);
-        source = model.get();
-    }
-    replaceTable(std::move(model));
+    if (view && !view->selectedRows().isEmpty())
+        replaceTable(removeEach(*view->table(), view->selectedRows(), &TableReshape::removeRows));
 }
 
 void TablesPanel::insertColumns()
@@ -447,21 +456,8 @@ void TablesPanel::insertColumns()
 void TablesPanel::deleteColumns()
 {
     TableView* view = currentTable();
-    if (!view || view->selectedColumns().isEmpty())
-        return;
-    std::unique_ptr<QSciSimpleTableModel> model;
-    const QList<int> columns = view->selectedColumns();
-    const QSciSimpleTableModel* source = view->table();
-    for (auto it = columns.crbegin(); it != columns.crend(); ++it) {
-        auto next = TableReshape::removeColumns(*source, *it, 1);
-        if (!next) {
-            model.reset();
-            break;
-        }
-        model = std::move(next);
-        source = model.get();
-    }
-    replaceTable(std::move(model));
+    if (view && !view->selectedColumns().isEmpty())
+        replaceTable(removeEach(*view->table(), view->selectedColumns(), &TableReshape::removeColumns));
 }
 
 void TablesPanel::resizeToPageSettings()
