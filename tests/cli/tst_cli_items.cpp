@@ -30,6 +30,9 @@ private slots:
         text.close();
         QCOMPARE(cli({ "import-z", path("z.txt"), "--out", path("c.img.velm"), "--z-unit", "nm" }).exitCode, 0);
         QCOMPARE(cli({ "export-z", path("c.img.velm") }).out, za.out);
+        const QJsonObject imported
+            = QJsonDocument::fromJson(cli({ "info", path("c.img.velm") }).out).object().value("properties").toObject();
+        QCOMPARE(imported.value("sciValues.zUnit").toString(), QString("nm"));
     }
 
     void importReadsTopRowFirstAndAnyBlanks()
@@ -105,24 +108,54 @@ private slots:
 
     void infoDescribesTheFile()
     {
-        QCOMPARE(cli({ "synth", "--size", "6x4", "--seed", "2", "--out", path("i.img.velm") }).exitCode, 0);
-        QCOMPARE(cli({ "apply", path("i.img.velm"), "--out", path("i2.img.velm"), "mask-rect", "--rect", "0,0,2,3" })
+        // A known matrix, wider than tall, so that a size taken from the wrong side shows.
+        QFile text(path("known.txt"));
+        QVERIFY(text.open(QIODevice::WriteOnly));
+        text.write("1 2 3\n4 5 -9\n");
+        text.close();
+        QCOMPARE(cli({ "import-z", path("known.txt"), "--out", path("k.img.velm"), "--x-size", "6", "--y-size", "0.5",
+                         "--x-unit", "nm", "--y-unit", "pm", "--z-unit", "pA" })
                      .exitCode,
             0);
-        const CliResult info = cli({ "info", path("i2.img.velm"), "--objects" });
+        QCOMPARE(cli({ "apply", path("k.img.velm"), "--out", path("k2.img.velm"), "mask-rect", "--rect", "0,0,2,1" })
+                     .exitCode,
+            0);
+        const CliResult info = cli({ "info", path("k2.img.velm"), "--objects" });
         QCOMPARE(info.exitCode, 0);
         const QJsonObject json = QJsonDocument::fromJson(info.out).object();
         QCOMPARE(json.value("type").toString(), QString("image"));
-        QCOMPARE(json.value("width").toInt(), 6);
-        QCOMPARE(json.value("height").toInt(), 4);
+        QCOMPARE(json.value("width").toInt(), 3);
+        QCOMPARE(json.value("height").toInt(), 2);
         QCOMPARE(json.value("parts").toString(), QString("11111"));
-        QCOMPARE(json.value("maskSelected").toInt(), 6);
+        QCOMPARE(json.value("maskSelected").toInt(), 2);
         QCOMPARE(json.value("objects").toInt(), 0);
         QVERIFY(json.value("objectRecords").isArray());
-        QCOMPARE(json.value("properties").toObject().value("sciValues.zUnit").toString(), QString("nm"));
         const QJsonObject z = json.value("z").toObject();
-        QVERIFY(z.value("min").toDouble() <= z.value("mean").toDouble());
-        QVERIFY(z.value("mean").toDouble() <= z.value("max").toDouble());
+        QCOMPARE(z.value("min").toDouble(), -9.0);
+        QCOMPARE(z.value("max").toDouble(), 5.0);
+        QCOMPARE(z.value("mean").toDouble(), 1.0);
+        const QJsonObject properties = json.value("properties").toObject();
+        const auto real
+            = [&properties](const char* key) { return properties.value(QLatin1String(key)).toString().toDouble(); };
+        QCOMPARE(real("sciValues.size.x"), 6.0);
+        QCOMPARE(real("sciValues.size.y"), 0.5);
+        QCOMPARE(real("sciValues.xUnitPerPixel"), 2.0);
+        QCOMPARE(real("sciValues.yUnitPerPixel"), 0.25);
+        QCOMPARE(properties.value("sciValues.xUnit").toString(), QString("nm"));
+        QCOMPARE(properties.value("sciValues.yUnit").toString(), QString("pm"));
+        QCOMPARE(properties.value("sciValues.zUnit").toString(), QString("pA"));
+
+        // Without the options a point is one unit on each side, whatever the shape.
+        QCOMPARE(cli({ "import-z", path("known.txt"), "--out", path("plain.img.velm") }).exitCode, 0);
+        const QJsonObject plain = QJsonDocument::fromJson(cli({ "info", path("plain.img.velm") }).out)
+                                      .object()
+                                      .value("properties")
+                                      .toObject();
+        QCOMPARE(plain.value("sciValues.size.x").toString().toDouble(), 3.0);
+        QCOMPARE(plain.value("sciValues.size.y").toString().toDouble(), 2.0);
+        QCOMPARE(plain.value("sciValues.xUnitPerPixel").toString().toDouble(), 1.0);
+        QCOMPARE(plain.value("sciValues.yUnitPerPixel").toString().toDouble(), 1.0);
+        QCOMPARE(plain.value("sciValues.zUnit").toString(), QString());
         QCOMPARE(cli({ "info", path("nothing.img.velm") }).exitCode, 1);
     }
 

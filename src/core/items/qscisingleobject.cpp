@@ -298,7 +298,9 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
                 std::visit([&read, value](auto member) { parse(*value, read.*member); }, field.member);
         }
     }
+    // The pixel lists come last in every record: without them the text was cut off, not merely older.
     const TaggedTextNode* pixels = ok ? root.chapter(QStringLiteral("pixelSection")) : nullptr;
+    ok = ok && pixels;
     for (const PointListLayout& list : pointListSpecs()) {
         if (pixels)
             ok = ok && readPointList(pixels->chapter(list.name), read.*list.member);

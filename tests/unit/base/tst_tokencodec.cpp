@@ -20,6 +20,31 @@ private slots:
         QVERIFY(reader.atEnd());
     }
 
+    void lengthsCountUtf16CodeUnits_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("encoded");
+        QTest::newRow("Latin-1 letters") << QStringLiteral("\u00c5 \u00b5m") << QStringLiteral("4|\u00c5 \u00b5m");
+        QTest::newRow("Greek and CJK") << QStringLiteral("\u03bcm \u9ad8\u3055")
+                                       << QStringLiteral("5|\u03bcm \u9ad8\u3055");
+        // Outside the Basic Multilingual Plane one character is two UTF-16 code units (four UTF-8 bytes).
+        QTest::newRow("beyond the BMP") << QStringLiteral("a\U0001F600b") << QStringLiteral("4|a\U0001F600b");
+    }
+
+    void lengthsCountUtf16CodeUnits()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, encoded);
+        QCOMPARE(TokenCodec::encode(text), encoded);
+        // The token after it must start exactly where this one ends.
+        const QString pairs
+            = TokenCodec::encodePairs({ { text, QStringLiteral("next") }, { QStringLiteral("k"), text } });
+        const QHash<QString, QString> map = TokenCodec::decodeMap(pairs);
+        QCOMPARE(map.value(text), QStringLiteral("next"));
+        QCOMPARE(map.value(QStringLiteral("k")), text);
+        QCOMPARE(map.size(), 2);
+    }
+
     void malformedPrefixConsumesTwoCharacters_data()
     {
         QTest::addColumn<QString>("input");

@@ -194,6 +194,33 @@ private slots:
         }
     }
 
+    void largeFileCutInsideEveryBlock()
+    {
+        // Megabytes of blocks: reading past the end of a cut file leaves the mapped pages and is caught.
+        const auto source = ItemTestSupport::sampleItem(600, 600, 3);
+        QVERIFY(ItemFile::save(*source, m_path));
+        QFile file(m_path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray valid = file.readAll();
+        file.close();
+        QVERIFY(valid.size() > 3000000);
+        const Framing framing = split(valid);
+        int start = 0;
+        for (const QByteArray& block : framing.blocks) {
+            const int data = valid.indexOf('|', start) + 1;
+            // Cuts in the length digits, at the block's first bytes, through its middle and just short of its end.
+            QList<int> cuts = { start + 1, data - 1, data, data + 1, data + 5, data + block.size() - 1 };
+            for (int k = 1; k < 16; ++k)
+                cuts.append(data + int(qint64(block.size()) * k / 16));
+            for (int cut : qAsConst(cuts)) {
+                if (cut > start && cut < data + block.size())
+                    QVERIFY(check(valid.left(cut), QStringLiteral("cut at %1 of %2").arg(cut).arg(valid.size())));
+            }
+            start = data + block.size();
+        }
+        QVERIFY(check(valid, QStringLiteral("the whole large file")));
+    }
+
     void cleanupTestCase() { qInfo("%d loads, %d of them succeeded", m_loads, m_successes); }
 };
 

@@ -3,6 +3,7 @@
 
 #include <QSignalSpy>
 #include <QTransform>
+#include <QSet>
 #include <QtTest>
 #include <cmath>
 
@@ -174,38 +175,45 @@ private slots:
 
     void mapZToPictureIsTheGradientLookup_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::newRow("noise, parallel size") << QStringLiteral("noise");
-        QTest::newRow("flat") << QStringLiteral("flat");
-        QTest::newRow("with NaN and infinity") << QStringLiteral("special");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::addColumn<double>("offset");
+        QTest::newRow("parallel size") << 300 << 260 << 0.0;
+        QTest::newRow("one thread, far from zero") << 40 << 30 << -1e6;
     }
 
     void mapZToPictureIsTheGradientLookup()
     {
-        QFETCH(QString, kind);
-        auto item = ItemTestSupport::sampleItem(300, 260);
-        item->setColorGradient(ColorGradient::builtIn(13));
-        double* z = item->zData();
-        const qsizetype points = qsizetype(item->width()) * item->height();
-        for (qsizetype i = 0; i < points; ++i) {
-            if (kind == QLatin1String("flat"))
-                z[i] = 2.5;
-            else if (!std::isfinite(z[i]))
-                z[i] = 0;
-        }
-        if (kind == QLatin1String("special")) {
-            z[10] = std::numeric_limits<double>::quiet_NaN();
-            z[20] = std::numeric_limits<double>::infinity();
-        }
+        // z spread evenly over its range, so every ramp entry is hit and an index off by one entry shows.
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(double, offset);
+        QSciImage item(width, height, QColor(Qt::white));
+        item.setColorGradient(ColorGradient::builtIn(13));
+        const qsizetype points = qsizetype(width) * height;
+        double* z = item.zData();
+        for (qsizetype i = 0; i < points; ++i)
+            z[i] = offset + double((i * 7919) % points) / double(points - 1) * 1000.0;
         double low, high;
-        item->zRange(&low, &high);
-        item->mapZToPicture();
-        for (int x = 0; x < item->width(); ++x) {
-            for (int y = 0; y < item->height(); ++y) {
-                if (item->pixel(x, y) != item->colorGradient().colorAt(item->z(x, y), low, high))
+        item.zRange(&low, &high);
+        item.mapZToPicture();
+        QSet<QRgb> seen;
+        for (int x = 0; x < width; ++x)
+            for (int y = 0; y < height; ++y) {
+                seen.insert(item.pixel(x, y));
+                if (item.pixel(x, y) != item.colorGradient().colorAt(item.z(x, y), low, high))
                     QFAIL(qPrintable(QStringLiteral("point %1,%2").arg(x).arg(y)));
             }
-        }
+        const QRgb* ramp = item.colorGradient().rampData();
+        QCOMPARE(seen.size(), QSet<QRgb>(ramp, ramp + ColorGradient::RampSize).size());
+        // By hand: the lowest value opens the ramp, the highest closes it, a quarter up is entry 250.
+        const ColorGradient& g = item.colorGradient();
+        QCOMPARE(g.colorAt(0, 0, 1000), ramp[0]);
+        QCOMPARE(g.colorAt(1000, 0, 1000), ramp[999]);
+        QCOMPARE(g.colorAt(250, 0, 1000), ramp[250]);
+        QCOMPARE(g.colorAt(250.9, 0, 1000), ramp[250]);
+        QCOMPARE(g.colorAt(999.5, 0, 1000), ramp[999]);
+        QCOMPARE(item.pixel(0, 0), g.colorAt(z[0], low, high));
     }
 
     void nonFiniteValuesAreSkippedAndPaintedApart_data()

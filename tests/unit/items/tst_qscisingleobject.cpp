@@ -147,12 +147,20 @@ private slots:
         QVERIFY(read == filledRecord());
     }
 
-    void everyPrefixIsSafe()
+    void cutOffRecordsAreRefusedAndChangeNothing()
     {
         const QString text = filledRecord().toString();
+        QSciSingleObject before;
+        before.area = 42;
+        before.fillPixels = { QPoint(1, 2), QPoint(3, 4) };
+        QVERIFY(before != filledRecord());
         for (int length = 0; length < text.size(); ++length) {
-            QSciSingleObject read;
-            (void)read.fromString(text.left(length));
+            QSciSingleObject read = before;
+            QString message;
+            if (read.fromString(text.left(length), &message))
+                QFAIL(qPrintable(QStringLiteral("a record cut at %1 of %2 was read").arg(length).arg(text.size())));
+            QCOMPARE(message, QStringLiteral("Cannot read load string of QSciSingleObject!"));
+            QVERIFY(read == before);
         }
     }
 
