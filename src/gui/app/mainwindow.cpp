@@ -111,7 +111,7 @@ MainWindow::MainWindow(QWidget* parent)
     };
     for (const auto& page : pages)
         m_actions->wire(page.first, this, [this, name = page.second] { m_formImageProcessing->showPanel(name); });
-    // The Effects menu lists the filters in the order of their kinds, then the peak correction.
+    // Each entry opens the filters page at its own filter; the list follows the order of QSciFilter::Kind.
     const char* const filters[]
         = { "actionGaussian_Blur", "actionSharpen", "actionUnsharp_Mask", "actionMatrix_Convolution",
               "actionSobel_Edge_Detect", "actionSmoothen", "actionPeak_and_Surface_manipulation" };
