@@ -10,6 +10,7 @@
 #include "core/processing/qscifilter.h"
 #include "core/processing/qscilevelling.h"
 #include "core/processing/qscirowalignment.h"
+#include "core/processing/qscizformula.h"
 #include "core/processing/thinning.h"
 #include "core/project/itemoperations.h"
 #include "core/processing/qsciderivative.h"
@@ -260,6 +261,31 @@ int fftFilter(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
     return CliSuccess;
 }
 
+int zFormula(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    QSciZFormula::Options o;
+    bool present = false;
+    o.formula = args.takeOption(QStringLiteral("--formula"), &present);
+    if (!present)
+        o.formula = QStringLiteral("$z");
+    const QString clip = args.takeOption(QStringLiteral("--clip"), &o.clip);
+    if (o.clip) {
+        const QStringList range = clip.split(QLatin1Char(':'));
+        bool okLow = false, okHigh = false;
+        if (range.size() == 2) {
+            o.clipLow = range.at(0).toDouble(&okLow);
+            o.clipHigh = range.at(1).toDouble(&okHigh);
+        }
+        if (!okLow || !okHigh)
+            return usageError(ctx, QStringLiteral("z-formula takes --clip MIN:MAX"));
+    }
+    o.invert = args.takeFlag(QStringLiteral("--invert"));
+    o.selectionOnly = args.takeFlag(QStringLiteral("--selection"));
+    if (!present && !o.clip && !o.invert)
+        return usageError(ctx, QStringLiteral("z-formula needs --formula F, --clip MIN:MAX or --invert"));
+    return run(ctx, project, item, QSciZFormula(o));
+}
+
 int thinMask(CliContext& ctx, CliArgs&, Project& project, QSciImage* item)
 {
     if (item->maskSelectedCount() == 0)
@@ -299,6 +325,7 @@ QList<QPair<QString, EffectCommands::Operation>> EffectCommands::operations()
         { QStringLiteral("smoothen"), filterOperation(Kind::Smoothen) },
         { QStringLiteral("despike"), filterOperation(Kind::Despike) },
         { QStringLiteral("thin-mask"), thinMask },
+        { QStringLiteral("z-formula"), zFormula },
         { QStringLiteral("fft"), fft },
         { QStringLiteral("fft-filter"), fftFilter },
     };
@@ -315,6 +342,8 @@ QString EffectCommands::usage()
         "[--threshold K] [--min-length N]; drift [--max-shift N];\n  gaussian --sigma S; sharpen; "
         "unsharp --sigma S [--amount A]; convolve --kernel \"a,b,c;d,e,f;g,h,i\" [--no-normalise]; "
         "sobel [--direction both|x|y]; smoothen --radius R; despike [--sigma K]; each filter takes "
-        "--selection;\n  thin-mask; fft --mode magnitude|phase|logpower; fft-filter --spectrum FILE (its mask keeps "
+        "--selection;\n  thin-mask; z-formula [--formula F] [--clip MIN:MAX] [--invert] [--selection]\n  "
+        "($z, $x, $y with rows from the top, z(x, y)); fft --mode magnitude|phase|logpower; fft-filter --spectrum FILE "
+        "(its mask keeps "
         "frequencies)");
 }

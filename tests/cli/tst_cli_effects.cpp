@@ -94,6 +94,21 @@ private slots:
         QCOMPARE(cli({ "export-z", path("k.img.velm") }).out, QByteArray("0\t0\t0\t2\n0\t0\t0\t2\n0\t0\t0\t2\n"));
     }
 
+    void zFormulaOverThePoints()
+    {
+        write("m.txt", "1 2 3\n4 5 6\n");
+        QCOMPARE(cli({ "import-z", path("m.txt"), "--out", path("m.img.velm") }).exitCode, 0);
+        QCOMPARE(cli({ "apply", path("m.img.velm"), "--out", path("f.img.velm"), "z-formula", "--formula", "$z*$y+$x",
+                         "--clip", "0:9" })
+                     .exitCode,
+            0);
+        QCOMPARE(cli({ "export-z", path("f.img.velm") }).out, QByteArray("0\t1\t2\n4\t6\t8\n"));
+        const CliResult power
+            = cli({ "apply", path("m.img.velm"), "--out", path("p.img.velm"), "z-formula", "--formula", "$z^2" });
+        QCOMPARE(power.exitCode, 1);
+        QVERIFY(power.err.contains("The formula gives no number"));
+    }
+
     void thinningLeavesTheSkeleton()
     {
         write("five.txt", "0 0 0 0 0\n0 0 0 0 0\n0 0 0 0 0\n0 0 0 0 0\n0 0 0 0 0\n");

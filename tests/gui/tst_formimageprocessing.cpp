@@ -167,6 +167,8 @@ private slots:
         form->findChild<QPushButton*>(QStringLiteral("pbApply"))->click();
         QCOMPARE(QSciHistoryManager::instance()->undoNames().value(0), QStringLiteral("Edge detection"));
         QCOMPARE(item->zMatrix(), wanted);
+        m_window->findChild<QAction*>(QStringLiteral("actionZ_Matrix_manipulation"))->trigger();
+        QCOMPARE(form->currentPanel()->objectName(), QStringLiteral("ZFormulaPanel"));
     }
 
     void spectrumAndRoughnessFromTheMenu()

@@ -108,6 +108,7 @@ MainWindow::MainWindow(QWidget* parent)
         { "actionDrift_correction", QStringLiteral("DriftCorrectionPanel") },
         { "actionDerivative", QStringLiteral("DerivativePanel") },
         { "actionDenoise", QStringLiteral("DenoisePanel") },
+        { "actionZ_Matrix_manipulation", QStringLiteral("ZFormulaPanel") },
     };
     for (const auto& page : pages)
         m_actions->wire(page.first, this, [this, name = page.second] { m_formImageProcessing->showPanel(name); });

@@ -9,6 +9,7 @@
 #include "linecorrectionpanel.h"
 #include "panelprogresssink.h"
 #include "planecorrectionpanel.h"
+#include "zformulapanel.h"
 
 #include "core/items/qsciimage.h"
 #include "core/processing/qscieffect.h"
@@ -73,6 +74,7 @@ FormImageProcessing::FormImageProcessing(QWidget* parent)
     addPanel(new DerivativePanel(this));
     addPanel(new DenoisePanel(this));
     addPanel(new FilterPanel(this));
+    addPanel(new ZFormulaPanel(this));
 }
 
 FormImageProcessing::~FormImageProcessing() = default;
