@@ -13,7 +13,7 @@
 #include "core/import/parktiffimporter.h"
 #include "core/import/pictureimporter.h"
 #include "core/import/rhkimporter.h"
-#include "core/import/specsimporter.h"
+#include "core/import/aarhusimporter.h"
 #include "core/items/itemimporterregistry.h"
 #include "core/items/qsciimage.h"
 
@@ -30,7 +30,7 @@ const QList<const InstrumentImporter*>& InstrumentImporters::all()
     static const CreatecImporter createc;
     static const NanonisImporter nanonis;
     static const RhkImporter rhk;
-    static const SpecsImporter specs;
+    static const AarhusImporter aarhus;
     static const NanoscopeImporter nanoscope;
     static const GwyImporter gwy;
     static const ParkTiffImporter park;
@@ -38,7 +38,7 @@ const QList<const InstrumentImporter*>& InstrumentImporters::all()
     static const OmicronFlatImporter flat;
     static const CziImporter czi;
     static const PictureImporter picture;
-    static const QList<const InstrumentImporter*> list { &createc, &nanonis, &rhk, &specs, &nanoscope, &gwy, &park,
+    static const QList<const InstrumentImporter*> list { &createc, &nanonis, &rhk, &aarhus, &nanoscope, &gwy, &park,
         &matrix, &flat, &czi, &picture };
     return list;
 }

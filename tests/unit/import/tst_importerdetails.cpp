@@ -1,3 +1,4 @@
+#include "samplefiles.h"
 #include "core/import/importsupport.h"
 #include "core/import/instrumentimporters.h"
 
@@ -7,11 +8,6 @@
 #include <cmath>
 
 namespace {
-
-QString sample(const QString& relative)
-{
-    return QStringLiteral(VELMORA_SAMPLES_DIR "/") + relative;
-}
 
 QByteArray bytes(const QString& relative)
 {
@@ -93,12 +89,12 @@ private slots:
         QTest::newRow("rhk direction") << "rhk_sm4/topo_ABC_Graphite-Sample5_9K_2021_08_13_19_11_10_065.sm4" << 0
                                        << "Direction"
                                        << "backward";
-        QTest::newRow("specs date") << "specs_mul_flm/test_single_image.mul" << 0 << "Date"
-                                    << "2020-12-07 19:16:23";
-        QTest::newRow("specs sample") << "specs_mul_flm/test_single_image.mul" << 0 << "Sample"
-                                      << "Pt111";
-        QTest::newRow("specs bias") << "specs_mul_flm/test_single_image.mul" << 0 << "Bias"
-                                    << "1.25 V";
+        QTest::newRow("aarhus date") << "*/test_single_image.mul" << 0 << "Date"
+                                     << "2020-12-07 19:16:23";
+        QTest::newRow("aarhus sample") << "*/test_single_image.mul" << 0 << "Sample"
+                                       << "Pt111";
+        QTest::newRow("aarhus bias") << "*/test_single_image.mul" << 0 << "Bias"
+                                     << "1.25 V";
         QTest::newRow("gwy meta") << "gwyddion_gwy/test_single_image.gwy" << 0 << "Bias"
                                   << "1.25000 V";
         QTest::newRow("nanoscope direction") << "bruker_nanoscope/di-3.di" << 1 << "Direction"
@@ -137,7 +133,7 @@ private slots:
             QSKIP("sample instrument files not available");
         InstrumentFile f;
         QString m;
-        QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("specs_mul_flm/test_single_image.mul")), &f, &m));
+        QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("*/test_single_image.mul")), &f, &m));
         QVERIFY(std::abs(f.channels[0].sciValues.offsetX - 85.9e-9) < 1e-12);
         QVERIFY(std::abs(f.channels[0].sciValues.offsetY - 75.5e-9) < 1e-12);
         QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("omicron_flat/20201111--4_1.Z_mtrx")), &f, &m));

@@ -1,3 +1,4 @@
+#include "samplefiles.h"
 #include "core/import/instrumentimporters.h"
 #include "core/import/pictureimporter.h"
 #include "core/items/qsciimage.h"
@@ -10,11 +11,6 @@
 #include <cmath>
 
 namespace {
-
-QString sample(const QString& relative)
-{
-    return QStringLiteral(VELMORA_SAMPLES_DIR "/") + relative;
-}
 
 QByteArray bytes(const QString& path)
 {
@@ -90,12 +86,12 @@ private slots:
                                   << "RHK SM4" << 6 << 128 << 128 << 7.5e-8 << "A" << 17.15e-12;
         QTest::newRow("rhk hopg") << "rhk_sm4/hopg_300k_2020_08_11_16_04_06_999.sm4"
                                   << "RHK SM4" << 6 << 256 << 256 << 1e-7 << "A" << 47.17e-12;
-        QTest::newRow("specs single") << "specs_mul_flm/test_single_image.mul"
-                                      << "SPECS MUL/FLM" << 1 << 512 << 512 << 3e-8 << "m" << 13.16e-9;
-        QTest::newRow("specs mul") << "specs_mul_flm/test_mul.mul"
-                                   << "SPECS MUL/FLM" << 4 << 512 << 512 << 1e-7 << "m" << 5.22e-9;
-        QTest::newRow("specs flm") << "specs_mul_flm/test_flm.flm"
-                                   << "SPECS MUL/FLM" << 5 << 512 << 512 << 1e-7 << "m" << 21.46e-9;
+        QTest::newRow("aarhus single") << "*/test_single_image.mul"
+                                       << "Aarhus MUL/FLM" << 1 << 512 << 512 << 3e-8 << "m" << 13.16e-9;
+        QTest::newRow("aarhus mul") << "*/test_mul.mul"
+                                    << "Aarhus MUL/FLM" << 4 << 512 << 512 << 1e-7 << "m" << 5.22e-9;
+        QTest::newRow("aarhus flm") << "*/test_flm.flm"
+                                    << "Aarhus MUL/FLM" << 5 << 512 << 512 << 1e-7 << "m" << 21.46e-9;
         QTest::newRow("nanoscope 9") << "bruker_nanoscope/di-3.di"
                                      << "Bruker Nanoscope" << 4 << 256 << 256 << 1e-5 << "m" << 1210e-9;
         QTest::newRow("nanoscope 7") << "bruker_nanoscope/di-1.di"
@@ -168,7 +164,7 @@ private slots:
     {
         InstrumentFile mul, gwy;
         QString m;
-        QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("specs_mul_flm/test_single_image.mul")), &mul, &m));
+        QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("*/test_single_image.mul")), &mul, &m));
         QVERIFY(InstrumentImporters::readFile(sample(QStringLiteral("gwyddion_gwy/test_single_image.gwy")), &gwy, &m));
         for (qsizetype i = 0; i < mul.channels[0].z.size(); i += 997)
             QVERIFY(std::abs(mul.channels[0].z[i] - gwy.channels[0].z[i]) < 1e-15);

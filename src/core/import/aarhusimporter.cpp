@@ -1,4 +1,4 @@
-#include "specsimporter.h"
+#include "aarhusimporter.h"
 
 #include "core/import/bytereader.h"
 #include "core/import/importsupport.h"
@@ -15,7 +15,7 @@ QString fixedText(const ByteReader& r, quint64 lengthOffset)
 
 } // namespace
 
-bool SpecsImporter::recognises(const QByteArray& head, const QString& path) const
+bool AarhusImporter::recognises(const QByteArray& head, const QString& path) const
 {
     // The .flm has no index, so only its name and a sane first record say what it is.
     if (head.startsWith(QByteArray("\x01\x00\x03\x00\x00\x00", 6)))
@@ -23,7 +23,7 @@ bool SpecsImporter::recognises(const QByteArray& head, const QString& path) cons
     return false;
 }
 
-bool SpecsImporter::read(const QByteArray& data, const QString& path, InstrumentFile* file, QString* message) const
+bool AarhusImporter::read(const QByteArray& data, const QString& path, InstrumentFile* file, QString* message) const
 {
     const ByteReader r(data);
     *message = ImportSupport::corrupted();

@@ -2,10 +2,10 @@
 
 #include "core/import/instrumentimporter.h"
 
-/** SPECS "Aarhus" image collections (".mul") and films (".flm"): 128-byte blocks of int16 records. */
-class SpecsImporter final : public InstrumentImporter {
+/** Aarhus STM image collections (".mul") and films (".flm"): 128-byte blocks of int16 records. */
+class AarhusImporter final : public InstrumentImporter {
 public:
-    QString name() const override { return QStringLiteral("SPECS MUL/FLM"); }
+    QString name() const override { return QStringLiteral("Aarhus MUL/FLM"); }
     QStringList suffixes() const override { return { QStringLiteral("mul"), QStringLiteral("flm") }; }
     bool recognises(const QByteArray& head, const QString& path) const override;
     [[nodiscard]] bool read(
