@@ -12,11 +12,6 @@ QString QSciDenoise::name() const
     return QCoreApplication::translate("QSciDenoise", "Denoise");
 }
 
-std::unique_ptr<QSciEffect> QSciDenoise::clone() const
-{
-    return std::make_unique<QSciDenoise>(*this);
-}
-
 void QSciDenoise::readSettings()
 {
     m_options.radius = ::Options::getDouble(QStringLiteral("ImageProcessing.denoise.radius"), 1.0);

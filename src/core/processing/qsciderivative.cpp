@@ -206,11 +206,6 @@ QString QSciDerivative::name() const
     return tr("Derivative");
 }
 
-std::unique_ptr<QSciEffect> QSciDerivative::clone() const
-{
-    return std::make_unique<QSciDerivative>(*this);
-}
-
 void QSciDerivative::readSettings()
 {
     Options o;

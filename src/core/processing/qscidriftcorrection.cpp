@@ -14,11 +14,6 @@ QString QSciDriftCorrection::name() const
     return QCoreApplication::translate("QSciDriftCorrection", "Drift correction");
 }
 
-std::unique_ptr<QSciEffect> QSciDriftCorrection::clone() const
-{
-    return std::make_unique<QSciDriftCorrection>(*this);
-}
-
 void QSciDriftCorrection::readSettings()
 {
     m_options.maximumShift = std::clamp(::Options::getInt(QStringLiteral("DriftCorrection.maximumShift"), 10), 1, 1000);

@@ -52,3 +52,28 @@ public:
 
     static QString nothingSelectedText();
 };
+
+/**
+ * An effect whose options are one value of type @p OptionsType: construction from the options, reading and
+ * replacing them, and the copy the preview runs. @p Derived is the effect itself.
+ */
+template <typename Derived, typename OptionsType> class QSciEffectOf : public QSciEffect {
+public:
+    using Options = OptionsType;
+
+    QSciEffectOf() = default;
+    explicit QSciEffectOf(const Options& options)
+        : m_options(options)
+    {
+    }
+
+    const Options& options() const { return m_options; }
+    void setOptions(const Options& options) { m_options = options; }
+    std::unique_ptr<QSciEffect> clone() const override
+    {
+        return std::make_unique<Derived>(static_cast<const Derived&>(*this));
+    }
+
+protected:
+    Options m_options;
+};

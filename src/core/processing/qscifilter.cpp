@@ -63,11 +63,6 @@ QString QSciFilter::name() const
     return kindName(m_options.kind);
 }
 
-std::unique_ptr<QSciEffect> QSciFilter::clone() const
-{
-    return std::make_unique<QSciFilter>(*this);
-}
-
 void QSciFilter::readSettings()
 {
     Options& o = m_options;

@@ -3,39 +3,34 @@
 #include "convolution.h"
 #include "qscieffect.h"
 
+/** The options of QSciFilter. */
+struct FilterOptions {
+    enum class Kind { Gaussian, Sharpen, Unsharp, Convolution, Sobel, Smoothen, Despike };
+    enum class Direction { Both, X, Y };
+
+    Kind kind = Kind::Gaussian;
+    double sigma = 2; ///< Gaussian and unsharp mask, in points
+    double amount = 1; ///< unsharp mask
+    Convolution::Kernel kernel { 1, 1, { 0, 0, 0, 0, 1, 0, 0, 0, 0 } }; ///< rows as displayed: the first is the top
+    bool normalise = true;
+    Direction direction = Direction::Both; ///< Sobel: the magnitude, or the signed response along x or y
+    double radius = 2; ///< smoothen
+    double despikeSigma = 3; ///< despike: how far out a peak lies
+    bool selectionOnly = false;
+};
+
 /**
  * The filters of the Effects menu over z: Gaussian blur, sharpen, unsharp mask, a convolution with the user's
  * kernel, Sobel edge detection, the mean over a disc, and the removal of single-point peaks beyond k standard
  * deviations of their neighbourhood. Edges are mirrored. On the selection only the selected points change.
  */
-class QSciFilter final : public QSciEffect {
+class QSciFilter final : public QSciEffectOf<QSciFilter, FilterOptions> {
 public:
-    enum class Kind { Gaussian, Sharpen, Unsharp, Convolution, Sobel, Smoothen, Despike };
-    enum class Direction { Both, X, Y };
-
-    struct Options {
-        Kind kind = Kind::Gaussian;
-        double sigma = 2; ///< Gaussian and unsharp mask, in points
-        double amount = 1; ///< unsharp mask
-        Convolution::Kernel kernel { 1, 1, { 0, 0, 0, 0, 1, 0, 0, 0, 0 } }; ///< rows as displayed: the first is the top
-        bool normalise = true;
-        Direction direction = Direction::Both; ///< Sobel: the magnitude, or the signed response along x or y
-        double radius = 2; ///< smoothen
-        double despikeSigma = 3; ///< despike: how far out a peak lies
-        bool selectionOnly = false;
-    };
-
-    QSciFilter() = default;
-    explicit QSciFilter(const Options& options)
-        : m_options(options)
-    {
-    }
-
-    const Options& options() const { return m_options; }
-    void setOptions(const Options& options) { m_options = options; }
+    using Kind = FilterOptions::Kind;
+    using Direction = FilterOptions::Direction;
+    using QSciEffectOf::QSciEffectOf;
 
     QString name() const override;
-    std::unique_ptr<QSciEffect> clone() const override;
     void readSettings() override;
     void writeSettings() const override;
     bool selectionOnly() const override { return m_options.selectionOnly; }
@@ -50,6 +45,4 @@ public:
 private:
     bool compute(const EffectInput& input, double* out, ProgressSink* progress) const;
     bool sobel(const EffectInput& input, double* out, ProgressSink* progress) const;
-
-    Options m_options;
 };

@@ -46,11 +46,6 @@ QString QSciLevelling::name() const
     return methodName(m_options.method);
 }
 
-std::unique_ptr<QSciEffect> QSciLevelling::clone() const
-{
-    return std::make_unique<QSciLevelling>(*this);
-}
-
 void QSciLevelling::readSettings()
 {
     const QString method = ::Options::getString(QStringLiteral("Levelling.method"), QStringLiteral("plane"));

@@ -69,11 +69,6 @@ QString QSciRowAlignment::name() const
     return methodName(m_options.method);
 }
 
-std::unique_ptr<QSciEffect> QSciRowAlignment::clone() const
-{
-    return std::make_unique<QSciRowAlignment>(*this);
-}
-
 void QSciRowAlignment::readSettings()
 {
     const QString method = ::Options::getString(QStringLiteral("RowAlignment.method"), QStringLiteral("median"));

@@ -2,33 +2,27 @@
 
 #include "qscieffect.h"
 
+/** The options of QSciRowAlignment. */
+struct RowAlignmentOptions {
+    enum class Method { Median, Mean, MedianDifference, Linear, Scars };
+
+    Method method = Method::Median;
+    bool masked = false;
+    double scarThreshold = 3; ///< a scar jumps by more than this many typical row-to-row differences
+    int scarMinimumLength = 4; ///< points in a row
+};
+
 /**
  * Corrections of scan lines (the rows): per-row offsets by the median or mean of the row, by the median of the
  * differences to the row below, or a per-row line; and the repair of single-row scars, rows that jump against
  * both neighbours. With the mask, offsets come from the selected points of each row.
  */
-class QSciRowAlignment final : public QSciEffect {
+class QSciRowAlignment final : public QSciEffectOf<QSciRowAlignment, RowAlignmentOptions> {
 public:
-    enum class Method { Median, Mean, MedianDifference, Linear, Scars };
-
-    struct Options {
-        Method method = Method::Median;
-        bool masked = false;
-        double scarThreshold = 3; ///< a scar jumps by more than this many typical row-to-row differences
-        int scarMinimumLength = 4; ///< points in a row
-    };
-
-    QSciRowAlignment() = default;
-    explicit QSciRowAlignment(const Options& options)
-        : m_options(options)
-    {
-    }
-
-    const Options& options() const { return m_options; }
-    void setOptions(const Options& options) { m_options = options; }
+    using Method = RowAlignmentOptions::Method;
+    using QSciEffectOf::QSciEffectOf;
 
     QString name() const override;
-    std::unique_ptr<QSciEffect> clone() const override;
     void readSettings() override;
     void writeSettings() const override;
     bool selectionOnly() const override { return false; }
@@ -39,6 +33,4 @@ public:
 
 private:
     bool removeScars(const EffectInput& input, double* out) const;
-
-    Options m_options;
 };

@@ -28,11 +28,6 @@ QString QSciZFormula::name() const
     return tr("Z-Matrix manipulation");
 }
 
-std::unique_ptr<QSciEffect> QSciZFormula::clone() const
-{
-    return std::make_unique<QSciZFormula>(*this);
-}
-
 void QSciZFormula::readSettings()
 {
     m_options.formula = ::Options::getString(QStringLiteral("ZMatrixManipulation.formula"), m_options.formula);
