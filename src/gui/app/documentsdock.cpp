@@ -99,3 +99,17 @@ QWidget* DocumentsDock::buildTablesPage()
     layout->addLayout(row);
     return page;
 }
+
+void DocumentsDock::fillPage(QWidget* page, QWidget* content)
+{
+    auto* pageLayout = qobject_cast<QVBoxLayout*>(page->layout());
+    if (!pageLayout)
+        return;
+    for (int i = 0; i < pageLayout->count(); ++i) {
+        if (pageLayout->itemAt(i)->spacerItem()) {
+            delete pageLayout->takeAt(i);
+            break;
+        }
+    }
+    pageLayout->insertWidget(0, content, 1);
+}

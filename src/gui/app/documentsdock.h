@@ -23,6 +23,8 @@ public:
     QWidget* scriptsPage() const { return m_scripts; }
     QWidget* tablesPage() const { return m_tables; }
     QWidget* textsPage() const { return m_texts; }
+    /** Puts @p content on @p page where the page keeps a stretch for it, taking all the page's room. */
+    static void fillPage(QWidget* page, QWidget* content);
     SearchReplaceBar* searchBar() const { return m_search; }
 
     QSpinBox* tableRowCount() const { return m_rowCount; }

@@ -83,15 +83,7 @@ TablesPanel::TablesPanel(DocumentsDock* dock)
     layout->addWidget(m_statistics);
 
     // The page was built with a stretch where the tables go; the panel takes that place.
-    if (auto* pageLayout = qobject_cast<QVBoxLayout*>(dock->tablesPage()->layout())) {
-        for (int i = 0; i < pageLayout->count(); ++i) {
-            if (pageLayout->itemAt(i)->spacerItem()) {
-                delete pageLayout->takeAt(i);
-                break;
-            }
-        }
-        pageLayout->insertWidget(0, this, 1);
-    }
+    DocumentsDock::fillPage(dock->tablesPage(), this);
     updateStatistics();
 }
 

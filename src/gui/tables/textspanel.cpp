@@ -83,15 +83,7 @@ TextsPanel::TextsPanel(DocumentsDock* dock)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(bar);
     layout->addWidget(m_tabs, 1);
-    if (auto* pageLayout = qobject_cast<QVBoxLayout*>(dock->textsPage()->layout())) {
-        for (int i = 0; i < pageLayout->count(); ++i) {
-            if (pageLayout->itemAt(i)->spacerItem()) {
-                delete pageLayout->takeAt(i);
-                break;
-            }
-        }
-        pageLayout->insertWidget(0, this, 1);
-    }
+    DocumentsDock::fillPage(dock->textsPage(), this);
     addOutputButtons();
 }
 
