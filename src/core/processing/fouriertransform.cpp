@@ -37,6 +37,21 @@ std::vector<std::complex<double>> forward(const double* z, int w, int h)
     return out;
 }
 
+/** The unnormalised inverse of a half spectrum (which it overwrites): W x H values, column by column. */
+std::vector<double> backward(std::vector<std::complex<double>>& half, int w, int h)
+{
+    std::vector<double> result(size_t(w) * h);
+    fftw_plan plan;
+    {
+        QMutexLocker locked(&plannerLock());
+        plan = fftw_plan_dft_c2r_2d(w, h, reinterpret_cast<fftw_complex*>(half.data()), result.data(), FFTW_ESTIMATE);
+    }
+    fftw_execute(plan);
+    QMutexLocker locked(&plannerLock());
+    fftw_destroy_plan(plan);
+    return result;
+}
+
 /** The coefficient of frequency (i, j), from the half spectrum and its Hermitian symmetry. */
 std::complex<double> coefficient(const std::vector<std::complex<double>>& half, int w, int h, int i, int j)
 {
@@ -128,17 +143,7 @@ void FourierTransform::filter(const double* z, int w, int h, const unsigned char
             for (int j = 0; j < columns; ++j)
                 if (!keep[size_t((i + w / 2) % w) * h + (j + h / 2) % h])
                     half[size_t(i) * columns + j] = 0;
-    std::vector<double> result(size_t(w) * h);
-    fftw_plan plan;
-    {
-        QMutexLocker locked(&plannerLock());
-        plan = fftw_plan_dft_c2r_2d(w, h, reinterpret_cast<fftw_complex*>(half.data()), result.data(), FFTW_ESTIMATE);
-    }
-    fftw_execute(plan);
-    {
-        QMutexLocker locked(&plannerLock());
-        fftw_destroy_plan(plan);
-    }
+    const std::vector<double> result = backward(half, w, h);
     const double n = double(w) * h;
     for (size_t k = 0; k < result.size(); ++k)
         out[k] = result[k] / n;
@@ -150,17 +155,7 @@ void FourierTransform::autocorrelation(const double* z, int w, int h, double* ou
     for (std::complex<double>& v : half)
         v = std::norm(v);
     half[0] = 0; // the mean
-    std::vector<double> result(size_t(w) * h);
-    fftw_plan plan;
-    {
-        QMutexLocker locked(&plannerLock());
-        plan = fftw_plan_dft_c2r_2d(w, h, reinterpret_cast<fftw_complex*>(half.data()), result.data(), FFTW_ESTIMATE);
-    }
-    fftw_execute(plan);
-    {
-        QMutexLocker locked(&plannerLock());
-        fftw_destroy_plan(plan);
-    }
+    const std::vector<double> result = backward(half, w, h);
     const double n = double(w) * h;
     for (int i = 0; i < w; ++i)
         for (int j = 0; j < h; ++j)
