@@ -1,5 +1,7 @@
 #include "qsciimage.h"
 
+#include "objecttransform.h"
+
 #include <QCoreApplication>
 
 #include "core/base/parallel.h"
@@ -663,7 +665,7 @@ void QSciImage::flipHorizontal()
     m_picture = m.picture;
     m_z = m.z;
     m_mask = m.mask;
-    m_objects.clear();
+    ObjectTransform::apply(m_objects, w, m_height, [w](int x, int y) { return QPoint(w - 1 - x, y); });
     notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart);
 }
 
@@ -675,22 +677,27 @@ void QSciImage::flipVertical()
     m_picture = m.picture;
     m_z = m.z;
     m_mask = m.mask;
-    m_objects.clear();
+    ObjectTransform::apply(m_objects, m_width, h, [h](int x, int y) { return QPoint(x, h - 1 - y); });
     notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart);
 }
 
 void QSciImage::rotate(int degrees)
 {
     const int w = m_width, h = m_height;
+    // Clockwise +90: display column c, row r goes to column H-1-r, row c.
+    const auto plus90 = [w](int x, int y) { return QPoint(y, w - 1 - x); };
+    const auto minus90 = [h](int x, int y) { return QPoint(h - 1 - y, x); };
+    const auto half = [w, h](int x, int y) { return QPoint(w - 1 - x, h - 1 - y); };
     Matrices m;
     if (degrees == 90) {
-        // Clockwise: display column c, row r goes to column H-1-r, row c.
-        m = transformed(w, h, h, w, m_picture, m_z, m_mask, [w](int x, int y) { return QPoint(y, w - 1 - x); });
+        m = transformed(w, h, h, w, m_picture, m_z, m_mask, plus90);
+        ObjectTransform::apply(m_objects, h, w, plus90);
     } else if (degrees == -90) {
-        m = transformed(w, h, h, w, m_picture, m_z, m_mask, [h](int x, int y) { return QPoint(h - 1 - y, x); });
+        m = transformed(w, h, h, w, m_picture, m_z, m_mask, minus90);
+        ObjectTransform::apply(m_objects, h, w, minus90);
     } else if (degrees == 180) {
-        m = transformed(
-            w, h, w, h, m_picture, m_z, m_mask, [w, h](int x, int y) { return QPoint(w - 1 - x, h - 1 - y); });
+        m = transformed(w, h, w, h, m_picture, m_z, m_mask, half);
+        ObjectTransform::apply(m_objects, w, h, half);
     } else {
         return;
     }
@@ -703,7 +710,6 @@ void QSciImage::rotate(int degrees)
     m_picture = m.picture;
     m_z = m.z;
     m_mask = m.mask;
-    m_objects.clear();
     notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart | HeaderPart);
 }
 
@@ -743,7 +749,8 @@ void QSciImage::resizeToRect(const QRect& rect, double zFill, QRgb pictureFill)
     m_picture = out.picture;
     m_z = out.z;
     m_mask = out.mask;
-    m_objects.clear();
+    const int top = rect.top(), left = rect.left();
+    ObjectTransform::apply(m_objects, nw, nh, [=](int x, int y) { return QPoint(x - left, y + nh - h + top); });
     setPosition(m_left + rect.left(), m_top + rect.top());
     notifyChanged(PicturePart | ZPart | MaskPart | ObjectsPart | HeaderPart);
 }

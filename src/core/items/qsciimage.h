@@ -210,7 +210,7 @@ public:
     void mapPictureToZ();
     /** z' = z * multiply + add; the two numbers are kept as the last calibration. */
     void recalibrateZ(double multiply, double add);
-    /** Flips and rotations move all three matrices together; the object layer, which they make stale, is dropped. */
+    /** Flips and rotations move all three matrices and the object records together. */
     void flipHorizontal();
     void flipVertical();
     /**
@@ -221,7 +221,8 @@ public:
     /**
      * The shared resize step: the matrices become the size of @p rect (in this item's own display
      * coordinates, row 0 on top, may reach outside the item); old points inside keep their values, new
-     * points get @p zFill in z, @p pictureFill in the picture and are unselected. Objects are dropped.
+     * points get @p zFill in z, @p pictureFill in the picture and are unselected. Objects move with their points;
+     * those cut across are dropped.
      * The item moves by the rectangle's top-left corner, so the points it keeps stay where they were on the
      * tab, and the physical size scales with the point count. An empty @p rect does nothing.
      */

@@ -60,6 +60,9 @@ void ImageGraphicsItem::paint(QPainter* painter, const QStyleOptionGraphicsItem*
         }
         if (!m_outlines.isNull())
             painter->drawImage(QPointF(0, 0), m_outlines);
+        painter->save();
+        ItemRenderer::paintObjectLabels(painter, *m_item);
+        painter->restore();
     }
     m_decoration.paint(painter);
     if (m_decorated && (option->state & QStyle::State_Selected)) {

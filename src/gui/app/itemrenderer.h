@@ -2,6 +2,7 @@
 
 #include <QImage>
 
+class QPainter;
 class QSciImage;
 
 /**
@@ -15,8 +16,13 @@ public:
     static QImage base(const QSciImage& item);
     /** Selected mask points in @p color, everything else transparent; a null image when nothing is selected. */
     static QImage maskOverlay(const QSciImage& item, QRgb color);
-    /** The border points of the visible objects in their border colours; a null image when none is visible. */
+    /**
+     * The visible display elements of the visible objects (fill, skeleton, largest branch, border, in that order
+     * upwards) in their colours; a null image when nothing is drawn.
+     */
     static QImage objectOutlines(const QSciImage& item);
+    /** The numbers of the visible objects with visible labels, in item display coordinates. */
+    static void paintObjectLabels(QPainter* painter, const QSciImage& item);
     /** A square icon-sized copy of base(), kept in proportion, on a transparent square. */
     static QImage thumbnail(const QSciImage& item, int edge);
 };

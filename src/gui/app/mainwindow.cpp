@@ -40,6 +40,7 @@
 #include "formitemproperties.h"
 #include "formnewimage.h"
 #include "formrecalibratez.h"
+#include "gui/analysis/objectanalysisactions.h"
 #include "gui/processing/formfouriertransform.h"
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
@@ -103,6 +104,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_formImageProcessing = new FormImageProcessing(this);
     m_formImageProcessing->setProject(m_project, [this] { return selectedItems(); });
     connect(m_formImageProcessing, &FormImageProcessing::messageRequested, this, &MainWindow::showMessage);
+    auto* objects = new ObjectAnalysisActions(this, m_actions, m_formImageProcessing);
+    connect(objects, &ObjectAnalysisActions::messageRequested, this, &MainWindow::showMessage);
     const std::pair<const char*, QString> pages[] = {
         { "actionPlane_correction", QStringLiteral("PlaneCorrectionPanel") },
         { "actionDrift_correction", QStringLiteral("DriftCorrectionPanel") },

@@ -28,3 +28,9 @@ QWidget* EffectPanel::choiceGroup(
     }
     return box;
 }
+
+EffectOperations::Outcome EffectPanel::applyTo(
+    Project& project, const QList<QSciImage*>& items, ProgressSink* progress, QString* message)
+{
+    return EffectOperations::apply(project, items, effect(), progress, message);
+}

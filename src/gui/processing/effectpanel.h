@@ -5,6 +5,10 @@
 #include <initializer_list>
 
 #include "core/processing/qscieffect.h"
+#include "core/project/effectoperations.h"
+
+class Project;
+class ProgressSink;
 
 /**
  * One page of the image-processing dialog: the widgets of one effect's options. A panel owns its effect,
@@ -25,6 +29,13 @@ public:
     virtual void pickPoint(const QPoint& point);
     /** Reads the effect's options from the settings and shows them. */
     virtual void readSettings() = 0;
+    /**
+     * Apply: runs the page on @p items as one history transaction. The default applies effect(); pages whose
+     * result is not a z-matrix (objects) run their own operation. @p message holds what to tell the user, also
+     * after success when there is something to tell.
+     */
+    virtual EffectOperations::Outcome applyTo(
+        Project& project, const QList<QSciImage*>& items, ProgressSink* progress, QString* message);
 
 protected:
     /**

@@ -169,7 +169,7 @@ void FormImageProcessing::apply()
     {
         PanelProgressSink sink(m_progress, this);
         m_sink = &sink;
-        outcome = EffectOperations::apply(*m_project, items, effect, &sink, &message);
+        outcome = panel->applyTo(*m_project, items, &sink, &message);
         m_sink = nullptr;
     }
     m_stop->setEnabled(false);
@@ -178,8 +178,11 @@ void FormImageProcessing::apply()
     m_list->setEnabled(true);
     if (outcome == EffectOperations::Outcome::Stopped)
         m_progress->setValue(0);
-    if (outcome == EffectOperations::Outcome::Refused && !message.isEmpty())
+    if (outcome != EffectOperations::Outcome::Applied && !message.isEmpty())
         emit messageRequested(effect.name(), message);
+    // A result worth a word (objects found) stays readable in the bar until the next run.
+    m_progress->setFormat(
+        outcome == EffectOperations::Outcome::Applied && !message.isEmpty() ? message : QStringLiteral("%p%"));
 }
 
 void FormImageProcessing::stop()

@@ -1,9 +1,11 @@
 #include "toolbox.h"
 
+#include "qtoolanalyseobject.h"
 #include "qtoolcolorpicker.h"
 #include "qtooldefcursor.h"
 #include "qtooldrawpaintbrush.h"
 #include "qtooldrawpencil.h"
+#include "qtooleditobject.h"
 #include "qtoolellipseselection.h"
 #include "qtoolellipseshape.h"
 #include "qtooleraser.h"
@@ -49,6 +51,8 @@ ToolBox::ToolBox(ToolsDock* dock, QObject* parent)
     addTool(Select, tr("Magic wand"), new QToolMagicWandSelection);
     addTool(Select, tr("Move selection"), new QToolMoveSelection);
     addTool(Scientific, tr("Measure distance"), new QToolMeasureDistance);
+    addTool(Scientific, tr("Edit object"), new QToolEditObject);
+    addTool(Scientific, tr("Analyse object"), new QToolAnalyseObject);
     addTool(Draw, tr("Pick colour"), new QToolColorPicker);
     addTool(Draw, tr("Fill bucket"), new QToolFillBucket);
     addTool(Draw, tr("Pencil"), new QToolDrawPencil);
