@@ -8,6 +8,8 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <atomic>
+#include <memory>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -124,6 +126,124 @@ double shortSemiAxis(const std::vector<int>& pixels, int h)
     return 2 * std::sqrt(std::max(0.0, small));
 }
 
+/**
+ * The lowest and highest z of every 8 x 8 block, and the points of the reference circle grouped by the block they
+ * fall in, for each place of the centre within its block. A tile on flat ground proves itself too flat from about a
+ * hundred block bounds instead of some six hundred scattered points; only the others read their circle.
+ */
+struct BlockBounds {
+    static constexpr int B = 8;
+    struct Entry {
+        int dbx, dby, count;
+    };
+    int bw = 0, bh = 0;
+    bool partialX = false, partialY = false; ///< the last block column (row) is cut by the image edge
+    /** Per block the two lowest and the two highest values: one spike then costs a bound one point, not the block. */
+    std::vector<double> low, low2, high, high2;
+    std::vector<std::vector<Entry>> patterns;
+    bool usable = true;
+
+    BlockBounds(const RecognitionInput& in, const std::vector<std::pair<int, int>>& circle)
+        : bw((in.width + B - 1) / B)
+        , bh((in.height + B - 1) / B)
+        , low(size_t(bw) * bh)
+        , low2(size_t(bw) * bh)
+        , high(size_t(bw) * bh)
+        , high2(size_t(bw) * bh)
+        , patterns(B * B)
+    {
+        partialX = in.width % B != 0;
+        partialY = in.height % B != 0;
+        std::atomic<bool> finite { true };
+        Parallel::forEach(bw, [&](int bx) {
+            for (int by = 0; by < bh; ++by) {
+                double lo = std::numeric_limits<double>::infinity(), hi = -lo, lo2 = lo, hi2 = hi;
+                for (int x = bx * B; x < std::min(in.width, (bx + 1) * B); ++x) {
+                    const double* column = in.z + qsizetype(x) * in.height;
+                    for (int y = by * B; y < std::min(in.height, (by + 1) * B); ++y) {
+                        const double v = column[y];
+                        lo2 = std::min(lo2, std::max(lo, v));
+                        lo = std::min(lo, v);
+                        hi2 = std::max(hi2, std::min(hi, v));
+                        hi = std::max(hi, v);
+                    }
+                }
+                // NaN escapes min and max: a matrix with gaps takes the long way.
+                if (!std::isfinite(lo) || !std::isfinite(hi))
+                    finite = false;
+                low[size_t(bx) * bh + by] = lo;
+                low2[size_t(bx) * bh + by] = lo2;
+                high[size_t(bx) * bh + by] = hi;
+                high2[size_t(bx) * bh + by] = hi2;
+            }
+        });
+        for (qsizetype i = 0; finite && i < qsizetype(in.width) * in.height; i += 1)
+            if (!std::isfinite(in.z[i]))
+                finite = false;
+        usable = finite;
+        const auto floorDiv = [](int a) { return a >= 0 ? a / B : -((-a + B - 1) / B); };
+        for (int ox = 0; ox < B; ++ox)
+            for (int oy = 0; oy < B; ++oy) {
+                std::vector<Entry>& pattern = patterns[size_t(ox) * B + oy];
+                for (const auto& p : circle) {
+                    const int dbx = floorDiv(ox + p.first), dby = floorDiv(oy + p.second);
+                    auto found = std::find_if(
+                        pattern.begin(), pattern.end(), [&](const Entry& e) { return e.dbx == dbx && e.dby == dby; });
+                    if (found == pattern.end())
+                        pattern.push_back({ dbx, dby, 1 });
+                    else
+                        ++found->count;
+                }
+            }
+    }
+
+    /**
+     * Whether more than @p rank circle points around (sx, sy) may lie at or below @p limit, each point taken as
+     * sign * z. No point lies below its block's bound, so when at most @p rank blocks' worth of points can, the
+     * value at sorted position @p rank lies above @p limit.
+     */
+    bool rankAbove(int sx, int sy, double sign, size_t rank, double limit) const
+    {
+        const int bx = sx / B, by = sy / B;
+        size_t seen = 0;
+        for (const Entry& e : patterns[size_t(sx % B) * B + sy % B]) {
+            const int cx = bx + e.dbx, cy = by + e.dby;
+            if (cx < 0 || cy < 0 || cx >= bw || cy >= bh)
+                continue;
+            const size_t i = size_t(cx) * bh + size_t(cy);
+            seen += (sign > 0 ? low[i] : -high[i]) <= limit ? size_t(e.count) : 0;
+        }
+        return seen <= rank;
+    }
+
+    /**
+     * Upper bounds of the circle points around (sx, sy) at or below @p lowLimit and at or above @p highLimit, and
+     * the number of circle points inside the image. False when a block cut by the image edge is met: its points
+     * are counted one by one instead.
+     */
+    bool bound(int sx, int sy, double lowLimit, double highLimit, size_t* below, size_t* above, size_t* count) const
+    {
+        const int bx = sx / B, by = sy / B;
+        size_t b = 0, a = 0, n = 0;
+        for (const Entry& e : patterns[size_t(sx % B) * B + sy % B]) {
+            const int cx = bx + e.dbx, cy = by + e.dby;
+            if (cx < 0 || cy < 0 || cx >= bw || cy >= bh)
+                continue;
+            if ((partialX && cx == bw - 1) || (partialY && cy == bh - 1))
+                return false;
+            const size_t i = size_t(cx) * bh + size_t(cy);
+            n += size_t(e.count);
+            // Below the second lowest only the lowest point can be, and only if it is one of the circle's.
+            b += low2[i] <= lowLimit ? size_t(e.count) : low[i] <= lowLimit ? 1 : 0;
+            a += high2[i] >= highLimit ? size_t(e.count) : high[i] >= highLimit ? 1 : 0;
+        }
+        *below = b;
+        *above = a;
+        *count = n;
+        return true;
+    }
+};
+
 /** The state of one search: the maps, the queue and the size filters. */
 class Search {
 public:
@@ -205,15 +325,20 @@ std::vector<Tile> Search::tiles() const
     for (const auto& p : circle)
         offsets.push_back(qsizetype(p.first) * h + p.second);
     const int columns = int(centresX.size());
+    const bool useBlocks = m_o.deltaZMin.checked && levels.empty();
+    const std::unique_ptr<BlockBounds> blocks = useBlocks ? std::make_unique<BlockBounds>(m_in, circle) : nullptr;
 
     // Every tile's seed and reference height depend on the matrix alone, so they are found for all tiles at once,
     // over the cores, before the fills that must run in order.
-    Parallel::forEach(int(centresY.size()), [&](int row) {
+    // A task walks one column of tiles upwards: the matrix is held column by column, so both the peak search and
+    // the circles of neighbouring tiles read memory that is already in the cache.
+    const int rows = int(centresY.size());
+    Parallel::forEach(columns, [&](int col) {
         std::vector<double> values;
         values.reserve(circle.size());
-        const int cy = centresY[size_t(row)];
-        for (int col = 0; col < columns; ++col) {
-            const int cx = centresX[size_t(col)];
+        const int cx = centresX[size_t(col)];
+        for (int row = 0; row < rows; ++row) {
+            const int cy = centresY[size_t(row)];
             Tile& tile = result[size_t(row) * columns + col];
             const int x0 = std::max(0, cx - wMin / 2), x1 = cx + wMin / 2 - 1;
             const int y0 = std::max(0, cy - hMin / 2), y1 = cy + hMin / 2 - 1;
@@ -239,7 +364,35 @@ std::vector<Tile> Search::tiles() const
             } else {
                 values.clear();
                 const int sx = seed / h, sy = seed % h;
-                if (sx >= r && sy >= r && sx + r < w && sy + r < h) {
+                const bool inside = sx >= r && sy >= r && sx + r < w && sy + r < h;
+                size_t count = 0, lowCount = 0, highCount = 0;
+                if (blocks && blocks->usable
+                    && blocks->bound(sx, sy, peak - m_o.deltaZMin.value, peak + m_o.deltaZMin.value, &lowCount,
+                        &highCount, &count)) {
+                    // The same test as below, on bounds: enough when the ground around is flat.
+                    const size_t third = count / 3;
+                    if (third > 0 && lowCount <= third && highCount <= count - 2 * third)
+                        continue;
+                    // A peak whose neighbours all stay below the lowest threshold its reference allows fills only
+                    // itself, which is never an object (spikes, mostly): no need to know the reference exactly. The
+                    // threshold rises with the reference, so it suffices that the reference's lowest possible value
+                    // lies above the one that would let the highest neighbour in.
+                    const double top = sign * peak;
+                    double neighbour = -std::numeric_limits<double>::infinity();
+                    for (int d = 0; d < 8; ++d) {
+                        const int nx = sx + NeighbourX[d], ny = sy + NeighbourY[d];
+                        if (nx >= 0 && ny >= 0 && nx < w && ny < h)
+                            neighbour = std::max(neighbour, sign * m_in.z[qsizetype(nx) * h + ny]);
+                    }
+                    bool alone = third > 0 && neighbour < top;
+                    if (alone && m_o.fillFactor > 0) {
+                        const double needed = top - (top - neighbour) * 100 / m_o.fillFactor;
+                        alone = blocks->rankAbove(sx, sy, sign, sign > 0 ? third : count - 2 * third, needed);
+                    }
+                    if (alone)
+                        continue;
+                }
+                if (inside) {
                     const double* centre = m_in.z + seed;
                     for (qsizetype offset : offsets) {
                         const double v = centre[offset];

@@ -3,6 +3,7 @@
 #include "core/analysis/objecttable.h"
 #include "core/items/itemfile.h"
 #include "core/items/qsciimage.h"
+#include "core/processing/syntheticfield.h"
 #include "core/project/collectiontab.h"
 #include "core/project/objectoperations.h"
 #include "core/project/project.h"
@@ -265,6 +266,36 @@ private slots:
         QCOMPARE(loaded.objects().first().fillPixels, before.first().fillPixels);
         QCOMPARE(loaded.objects().first().skeletonPixels, before.first().skeletonPixels);
         QVERIFY(qAbs(loaded.objects().first().compactnessPM - before.first().compactnessPM) < 1e-9);
+    }
+
+    void flatGroundShortcutsAgreeWithReadingEveryCircle()
+    {
+        // A matrix without gaps lets flat tiles and lone spikes be settled from block bounds; one NaN far from any
+        // object sends every tile through its full circle instead. Both must find the same objects.
+        for (const double sign : { 1.0, -1.0 }) {
+            SyntheticField::Parameters p;
+            p.width = p.height = 256;
+            p.grains = 14;
+            p.seed = 9;
+            QVector<double> z = SyntheticField::generate(p);
+            for (double& v : z)
+                v *= sign;
+            QVector<double> gap = z;
+            gap[0] = std::numeric_limits<double>::quiet_NaN();
+            ObjectRecognitionOptions o;
+            o.deltaZMin = { true, 5 };
+            o.depressions = sign < 0;
+            o.objectType = ObjectRecognitionOptions::Closed;
+            QList<QSciSingleObject> fast, full;
+            QVERIFY(ObjectRecognition(o).find({ z.constData(), nullptr, 256, 256 }, &fast)
+                == ObjectRecognition::Result::Done);
+            QVERIFY(ObjectRecognition(o).find({ gap.constData(), nullptr, 256, 256 }, &full)
+                == ObjectRecognition::Result::Done);
+            QVERIFY(fast.size() >= 8);
+            QCOMPARE(fast.size(), full.size());
+            for (int i = 0; i < fast.size(); ++i)
+                QCOMPARE(fast[i].fillPixels, full[i].fillPixels);
+        }
     }
 
     void measuresTable()
