@@ -122,7 +122,7 @@ FormExportMovie::FormExportMovie(QWidget* parent)
 
     connect(m_width, QOverload<int>::of(&QSpinBox::valueChanged), this, &FormExportMovie::updateNote);
     connect(m_height, QOverload<int>::of(&QSpinBox::valueChanged), this, &FormExportMovie::updateNote);
-    connect(m_odd, QOverload<int>::of(&QButtonGroup::buttonClicked), this, &FormExportMovie::updateNote);
+    connect(m_odd, &QButtonGroup::idClicked, this, &FormExportMovie::updateNote);
     updateNote();
 }
 
