@@ -1,6 +1,7 @@
 #include "../support/scopedsettings.h"
 
 #include <QAction>
+#include <QLabel>
 #include <QMessageBox>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -51,7 +52,7 @@ private slots:
             form->setOutput(movie);
             if (!form->start())
                 return false;
-            QTRY_VERIFY_WITH_TIMEOUT(!form->isRunning(), 30000);
+            (void)QTest::qWaitFor([form] { return !form->isRunning(); }, 30000);
             log = form->logText();
             return form->succeeded();
         };
@@ -68,7 +69,7 @@ private slots:
                 return false;
             form->setMovie(movie);
             offered = form->frameCount();
-            [&] { QTRY_VERIFY_WITH_TIMEOUT(!form->previewFrame().isNull(), 20000); }();
+            (void)QTest::qWaitFor([form] { return !form->previewFrame().isNull(); }, 20000);
             return !form->previewFrame().isNull();
         };
         w->findChild<QAction*>(QStringLiteral("actionImport_movie"))->trigger();
