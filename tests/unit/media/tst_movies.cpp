@@ -8,11 +8,14 @@
 #include "core/media/qsciffmpeg.h"
 #include "core/media/qsciffmpegexportworker.h"
 #include "core/media/qscimovie.h"
+#include "core/media/workerthread.h"
 #include "core/project/collectiontab.h"
 #include "core/project/movieimportqueue.h"
 #include "core/project/project.h"
 
 #include <QDir>
+#include <QElapsedTimer>
+#include <QSignalSpy>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QtTest>
@@ -266,6 +269,42 @@ private slots:
         QVERIFY(!QSciMovie::open(broken.fileName(), &message));
         QCOMPARE(message, QStringLiteral("FFMPEG can't read file: ") + broken.fileName());
         QCOMPARE(ffmpegLeftovers(Options::tempDir()), QStringList());
+    }
+
+    void cancelKillsTheEncoderAndLeavesNothing()
+    {
+        // An encoder that never ends by itself.
+        QTemporaryDir tools;
+        QFile fake(tools.filePath(QStringLiteral("ffmpeg")));
+        QVERIFY(fake.open(QIODevice::WriteOnly));
+        fake.write("#!/bin/sh\n[ \"$1\" = -version ] && { echo 'Copyright (c) 2000-2024'; exit 0; }\nexec sleep 60\n");
+        fake.close();
+        fake.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        Options::setString(QStringLiteral("FormOptions.ffmpegPath"), tools.path());
+
+        QSciFFMPEGExportWorker::Options options;
+        options.output = m_settings->filePath(QStringLiteral("never.mp4"));
+        options.size = QSize(32, 24);
+        options.tempDir = Options::tempDir();
+        auto* worker = new QSciFFMPEGExportWorker({ grey(1), grey(2) }, options);
+        QStringList log;
+        connect(worker, &QSciFFMPEGExportWorker::log, this, [&log](const QString& line) { log << line; });
+        QSignalSpy finished(worker, &QSciFFMPEGExportWorker::finished);
+        const std::shared_ptr<std::atomic_bool> cancel = worker->cancelFlag();
+        QElapsedTimer clock;
+        clock.start();
+        WorkerThread::start(worker, [worker] { worker->run(); });
+        QTRY_VERIFY(log.contains(QStringLiteral("Starting encoder...")));
+        *cancel = true;
+        QTRY_COMPARE(finished.count(), 1);
+        Options::remove(QStringLiteral("FormOptions.ffmpegPath"));
+        QVERIFY(clock.elapsed() < 10000);
+        QCOMPARE(finished.first().at(0).toBool(), false);
+        QCOMPARE(log.mid(log.size() - 2), QStringList({ "Cancel requested...", "Encoder termianted" }));
+        QVERIFY(!QFile::exists(options.output));
+        QCOMPARE(ffmpegLeftovers(Options::tempDir()), QStringList());
+        QCOMPARE(QDir(m_settings->path()).entryList({ QStringLiteral(".never*") }, QDir::Files | QDir::Hidden),
+            QStringList());
     }
 
     void animatedGifIsReadWithoutFfmpeg()
