@@ -38,6 +38,7 @@
 #include "gui/tables/tablespanel.h"
 #include "gui/tables/textspanel.h"
 #include "gui/import/fileimport.h"
+#include "gui/media/movieactions.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
 #include "postscriptwriter.h"
@@ -102,6 +103,12 @@ void MainWindow::wireFileActions()
     m_actions->wire("actionPdf_file", this, &MainWindow::exportVisibleAreaPdf);
     m_actions->wire("actionPostscript_file", this, &MainWindow::exportVisibleAreaPostScript);
     m_actions->wire("actionPrint_visible_area", this, &MainWindow::printVisibleArea);
+    auto* movies = new MovieActions(this, m_project,
+        { [this](QDialog* dialog) { return runDialog(dialog); },
+            [this](const QString& title, const QString& text) { showMessage(title, text); },
+            [this](const QString& html) { appendOutput(html); }, [this] { return selectedItems(); } });
+    m_actions->wire("actionImport_movie", movies, &MovieActions::importMovie);
+    m_actions->wire("actionExport_movie", movies, &MovieActions::exportMovie);
 }
 
 // ---- hooks ---------------------------------------------------------------------------------------------------
