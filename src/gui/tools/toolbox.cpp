@@ -12,6 +12,7 @@
 #include "qtoolfreehandselection.h"
 #include "qtoolmagicwandselection.h"
 #include "qtoolmeasuredistance.h"
+#include "qtoollineprofile.h"
 #include "qtoolmoveselection.h"
 #include "qtoolrectangleselection.h"
 #include "qtoolrectshape.h"
@@ -49,6 +50,7 @@ ToolBox::ToolBox(ToolsDock* dock, QObject* parent)
     addTool(Select, tr("Magic wand"), new QToolMagicWandSelection);
     addTool(Select, tr("Move selection"), new QToolMoveSelection);
     addTool(Scientific, tr("Measure distance"), new QToolMeasureDistance);
+    addTool(Scientific, tr("Line profile"), new QToolLineProfile);
     addTool(Draw, tr("Pick colour"), new QToolColorPicker);
     addTool(Draw, tr("Fill bucket"), new QToolFillBucket);
     addTool(Draw, tr("Pencil"), new QToolDrawPencil);

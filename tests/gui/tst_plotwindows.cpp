@@ -1,0 +1,181 @@
+#include "../support/scopedsettings.h"
+
+#include <QCheckBox>
+#include <QTemporaryDir>
+#include <QWebFrame>
+#include <QWebPage>
+#include <QtTest>
+#include <cmath>
+#include <memory>
+#include "gui/plots/qcustomplotheader.h"
+
+#include "core/items/qsciimage.h"
+#include "core/plots/plot2dfile.h"
+#include "core/plots/plot3ddocument.h"
+#include "core/plots/plot3dpage.h"
+#include "gui/plots/form3dplot.h"
+#include "gui/plots/formplot.h"
+#include "gui/plots/plotwebview.h"
+
+namespace {
+
+/** A page that keeps what scripts report instead of showing it. */
+class RecordingPage final : public QWebPage {
+public:
+    QStringList errors;
+    QStringList alerts;
+
+protected:
+    void javaScriptConsoleMessage(const QString& message, int line, const QString&) override
+    {
+        errors << QStringLiteral("%1: %2").arg(line).arg(message);
+    }
+    void javaScriptAlert(QWebFrame*, const QString& message) override { alerts << message; }
+};
+
+Plot3dDocument demoDocument(const QString& title)
+{
+    QSciImage item(60, 40, Qt::white);
+    for (int x = 0; x < 60; ++x)
+        for (int y = 0; y < 40; ++y)
+            item.setZ(x, y, std::sin(x * 0.2) * std::cos(y * 0.15));
+    item.setName(title);
+    Plot3dDocument document = Plot3dDocument::fromItem(item);
+    document.setFlag(QStringLiteral("useWebGL"), false);
+    return document;
+}
+
+/** Points that differ from the page's black background. */
+int drawnPixels(const QImage& image)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            count += (image.pixel(x, y) & 0xFFFFFF) != 0;
+    return count;
+}
+
+Plot2dDocument twoCurves()
+{
+    Plot2dDocument document;
+    Plot2dCurve a { QStringLiteral("rising"), { QStringLiteral("x"), QStringLiteral("a") }, {} };
+    Plot2dCurve b { QStringLiteral("falling"), { QStringLiteral("x"), QStringLiteral("b") }, {} };
+    for (int i = 1; i <= 20; ++i) {
+        a.values << i << i * i;
+        b.values << i << 400.0 / i;
+    }
+    document.curves = { a, b };
+    document.setSetting(QStringLiteral("title"), QStringLiteral("Two curves"));
+    return document;
+}
+
+} // namespace
+
+class TestPlotWindows : public QObject {
+    Q_OBJECT
+
+private slots:
+    void surfacePageRunsAndDraws_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<bool>("standalone");
+        QTest::newRow("referenced templates") << QStringLiteral("demo") << false;
+        QTest::newRow("inlined, hostile title") << QStringLiteral("</script><script>alert(1)</script>") << true;
+    }
+
+    void surfacePageRunsAndDraws()
+    {
+        QFETCH(QString, title);
+        QFETCH(bool, standalone);
+        RecordingPage page;
+        page.setViewportSize(QSize(400, 300));
+        QSignalSpy loaded(&page, &QWebPage::loadFinished);
+        page.mainFrame()->setHtml(Plot3dPage::html(demoDocument(title), QSize(400, 300), standalone),
+            standalone ? QUrl() : QUrl(Plot3dPage::baseUrl()));
+        QTRY_VERIFY(loaded.count() == 1);
+        QVERIFY2(page.errors.isEmpty(), qPrintable(page.errors.join(QLatin1Char('\n'))));
+        QVERIFY(page.alerts.isEmpty());
+        QCOMPARE(page.mainFrame()->evaluateJavaScript(QStringLiteral("window.surfacePlotMode")).toString(),
+            QStringLiteral("canvas"));
+        QCOMPARE(page.mainFrame()->evaluateJavaScript(QStringLiteral("window.surfacePlot.options.title")).toString(),
+            title);
+        QImage image(400, 300, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        QPainter painter(&image);
+        page.mainFrame()->render(&painter);
+        painter.end();
+        QVERIFY2(drawnPixels(image) > 400 * 300 / 20, qPrintable(QString::number(drawnPixels(image))));
+    }
+
+    void surfaceWindowSavesPicturesAndRefusesHugeOnes()
+    {
+        ScopedSettings settings;
+        Form3dPlot window(demoDocument(QStringLiteral("demo")));
+        QStringList messages;
+        window.showMessage = [&messages](const QString& title, const QString& text) { messages << title + text; };
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        // Ticking natural units on an item without any is refused with a note.
+        window.findChild<QCheckBox*>(QStringLiteral("cbNaturalUnits"))->setChecked(true);
+        QCOMPARE(messages, QStringList { QStringLiteral("AttentionNo natural units available!") });
+        QVERIFY(!window.document().flag(QStringLiteral("useNaturalUnits")));
+
+        const QString png = m_dir.filePath("surface.png");
+        QString message;
+        QVERIFY2(window.savePicture(png, &message), qPrintable(message));
+        QCOMPARE(QImage(png).size(), QSize(1200, 900));
+        QVERIFY(drawnPixels(QImage(png).convertToFormat(QImage::Format_RGB32)) > 1200 * 900 / 20);
+        Plot3dDocument huge = window.document();
+        huge.setNumber(QStringLiteral("saveWidth"), Form3dPlot::MaxSaveSide + 1);
+        Form3dPlot tooWide(huge);
+        QVERIFY(!tooWide.savePicture(m_dir.filePath("wide.png"), &message));
+        QCOMPARE(message, QStringLiteral("Chosen value exceeds allowed maximum range of width!"));
+        QVERIFY(!QFile::exists(m_dir.filePath("wide.png")));
+
+        const QString file = m_dir.filePath("surface.plot3d.velm");
+        QVERIFY2(window.saveFile(file, &message), qPrintable(message));
+        std::unique_ptr<Form3dPlot> reopened(Form3dPlot::open(file, nullptr, &message));
+        QVERIFY2(reopened, qPrintable(message));
+        QCOMPARE(reopened->document().z, window.document().z);
+    }
+
+    void plotWindowSavesOpensAndExports()
+    {
+        ScopedSettings settings;
+        FormPlot window;
+        window.setDocument(twoCurves());
+        window.rescale();
+        QCOMPARE(window.plot()->graphCount(), 2);
+        QCOMPARE(window.plot()->xAxis->range().upper, 20.0);
+        // The settings page drives the plot: a log scale box switches the axis, and its siblings go off.
+        window.findChild<QCheckBox*>(QStringLiteral("yLog10Check"))->setChecked(true);
+        QCOMPARE(window.plot()->yAxis->scaleType(), QCPAxis::stLogarithmic);
+        QVERIFY(!window.document().flag(QStringLiteral("yLinearCheck")));
+
+        QString message;
+        const QString path = m_dir.filePath("two.plot2d.velm");
+        QVERIFY2(window.saveFile(path, &message), qPrintable(message));
+        std::unique_ptr<FormPlot> reopened(FormPlot::open(path, nullptr, &message));
+        QVERIFY2(reopened, qPrintable(message));
+        QCOMPARE(reopened->plot()->graphCount(), 2);
+        QCOMPARE(reopened->document().settings(), window.document().settings());
+        QCOMPARE(reopened->plot()->yAxis->scaleType(), QCPAxis::stLogarithmic);
+
+        for (const char* name : { "two.png", "two.pdf", "two.svg", "two.csv" }) {
+            const QString target = m_dir.filePath(QLatin1String(name));
+            const bool ok = target.endsWith(QLatin1String(".csv")) ? window.exportCsv(target, &message)
+                                                                    : window.exportPicture(target, &message);
+            QVERIFY2(ok, qPrintable(message));
+            QVERIFY2(QFileInfo(target).size() > 100, name);
+        }
+        QFile svg(m_dir.filePath("two.svg"));
+        QVERIFY(svg.open(QIODevice::ReadOnly));
+        QVERIFY(svg.readAll().contains("<svg"));
+    }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+QTEST_MAIN(TestPlotWindows)
+#include "tst_plotwindows.moc"
