@@ -135,8 +135,8 @@ int runPlot2d(CliContext& ctx, CliArgs& args)
         document.setNumber(QStringLiteral("yRangeMax"), yMax > yMin ? yMax + margin : yMin + 1);
     }
     document.setSetting(QStringLiteral("xLabel"), xLabel);
-    document.setSetting(QStringLiteral("yLabel"), document.curves.size() == 1 ? document.curves.first().plotName
-                                                                             : QStringLiteral("y"));
+    document.setSetting(
+        QStringLiteral("yLabel"), document.curves.size() == 1 ? document.curves.first().plotName : QStringLiteral("y"));
     document.setSetting(QStringLiteral("title"), titled ? title : QFileInfo(csv).fileName());
 
     QString message;
@@ -195,11 +195,11 @@ const CliCommandRegistration registration({
     { QStringLiteral("plot3d"), QStringLiteral("plot3d FILE --html OUT.html"),
         QStringLiteral("standalone surface-plot page of an item"), runPlot3d, 80 },
     { QStringLiteral("plot2d"),
-        QStringLiteral("plot2d --csv TABLE.csv --x COLUMN --y COLUMN[,COLUMN...] --out FILE.plot2d.velm [--png OUT.png] "
-                       "[--title TEXT]"),
+        QStringLiteral(
+            "plot2d --csv TABLE.csv --x COLUMN --y COLUMN[,COLUMN...] --out FILE.plot2d.velm [--png OUT.png] "
+            "[--title TEXT]"),
         QStringLiteral("2D plot file (and picture) of table columns"), runPlot2d, 81 },
-    { QStringLiteral("profile"),
-        QStringLiteral("profile FILE --from X,Y --to X,Y [--width N] --out PROFILE.csv"),
+    { QStringLiteral("profile"), QStringLiteral("profile FILE --from X,Y --to X,Y [--width N] --out PROFILE.csv"),
         QStringLiteral("z along a line, in physical units"), runProfile, 82 },
 });
 

@@ -21,8 +21,8 @@ private slots:
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(matrix);
         file.close();
-        QCOMPARE(cli({ "import-z", path("step.txt"), "--out", path("step.img.velm"), "--x-unit", "um", "--y-unit",
-                         "um", "--z-unit", "nm", "--x-size", "2", "--y-size", "1" })
+        QCOMPARE(cli({ "import-z", path("step.txt"), "--out", path("step.img.velm"), "--x-unit", "um", "--y-unit", "um",
+                         "--z-unit", "nm", "--x-size", "2", "--y-size", "1" })
                      .exitCode,
             0);
     }
@@ -40,13 +40,15 @@ private slots:
         QCOMPARE(lines[1], QByteArray("0,0"));
         QCOMPARE(lines[6], QByteArray("1.25,2"));
 
-        QCOMPARE(cli({ "profile", path("step.img.velm"), "--from", "1", "--to", "6,2", "--out", path("q.csv") }).exitCode,
+        QCOMPARE(
+            cli({ "profile", path("step.img.velm"), "--from", "1", "--to", "6,2", "--out", path("q.csv") }).exitCode,
             2);
         QCOMPARE(cli({ "profile", path("step.img.velm"), "--from", "1,1", "--to", "6,2", "--width", "0", "--out",
                          path("q.csv") })
                      .exitCode,
             2);
-        const CliResult missing = cli({ "profile", path("none.img.velm"), "--from", "1,1", "--to", "2,2", "--out", path("q.csv") });
+        const CliResult missing
+            = cli({ "profile", path("none.img.velm"), "--from", "1,1", "--to", "2,2", "--out", path("q.csv") });
         QCOMPARE(missing.exitCode, 1);
         QVERIFY(missing.err.startsWith("File does not exist: "));
         QVERIFY(!QFile::exists(path("q.csv")));
@@ -75,8 +77,8 @@ private slots:
         QCOMPARE(plots[1].toObject().value("plotName").toString(), QStringLiteral("b"));
         QCOMPARE(plots[1].toObject().value("values").toArray(), QJsonArray({ 0, 4, 1, 3, 2, 2, 3, 1 }));
 
-        QCOMPARE(cli({ "plot2d", "--csv", path("t.csv"), "--x", "t", "--y", "zz", "--out", path("u.plot2d.velm") })
-                     .exitCode,
+        QCOMPARE(
+            cli({ "plot2d", "--csv", path("t.csv"), "--x", "t", "--y", "zz", "--out", path("u.plot2d.velm") }).exitCode,
             2);
         QVERIFY(!QFile::exists(path("u.plot2d.velm")));
         const CliResult broken = cli({ "info", path("t.csv.plot2d.velm") });

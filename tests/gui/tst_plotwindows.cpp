@@ -97,8 +97,8 @@ private slots:
         QVERIFY(page.alerts.isEmpty());
         QCOMPARE(page.mainFrame()->evaluateJavaScript(QStringLiteral("window.surfacePlotMode")).toString(),
             QStringLiteral("canvas"));
-        QCOMPARE(page.mainFrame()->evaluateJavaScript(QStringLiteral("window.surfacePlot.options.title")).toString(),
-            title);
+        QCOMPARE(
+            page.mainFrame()->evaluateJavaScript(QStringLiteral("window.surfacePlot.options.title")).toString(), title);
         QImage image(400, 300, QImage::Format_RGB32);
         image.fill(Qt::black);
         QPainter painter(&image);
@@ -164,7 +164,7 @@ private slots:
         for (const char* name : { "two.png", "two.pdf", "two.svg", "two.csv" }) {
             const QString target = m_dir.filePath(QLatin1String(name));
             const bool ok = target.endsWith(QLatin1String(".csv")) ? window.exportCsv(target, &message)
-                                                                    : window.exportPicture(target, &message);
+                                                                   : window.exportPicture(target, &message);
             QVERIFY2(ok, qPrintable(message));
             QVERIFY2(QFileInfo(target).size() > 100, name);
         }

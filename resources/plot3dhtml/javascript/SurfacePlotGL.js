@@ -88,7 +88,7 @@ SurfacePlot.prototype.prepareData = function () {
 // Model to pixels: x to the right, y upwards, z towards the viewer.
 SurfacePlot.prototype.matrix = function () {
     var w = this.options.width, h = this.options.height;
-    var scale = Math.min(w, h) * 0.62 * this.zoom;
+    var scale = Math.min(w, h) * 0.55 * this.zoom;
     var m = Mat4.translation(w / 2 + this.options.xTranslation, h / 2 - this.options.yTranslation, 0);
     m = Mat4.multiply(m, Mat4.scaling(scale, scale, scale));
     m = Mat4.multiply(m, Mat4.rotationX(this.xAngle));

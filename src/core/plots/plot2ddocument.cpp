@@ -67,8 +67,7 @@ const QVector<QPair<QString, QString>>& Plot2dDocument::settingDefaults()
 
 bool Plot2dDocument::isBooleanKey(const QString& key)
 {
-    return key.endsWith(QLatin1String("Check")) || key == QLatin1String("useKomma")
-        || key == QLatin1String("useFrame");
+    return key.endsWith(QLatin1String("Check")) || key == QLatin1String("useKomma") || key == QLatin1String("useFrame");
 }
 
 Plot2dDocument::Plot2dDocument()

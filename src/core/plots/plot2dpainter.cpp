@@ -123,7 +123,8 @@ QImage Plot2dPainter::render(const Plot2dDocument& d, const QSize& requested)
         const bool grid = d.flag(a + QLatin1String("TickGridCheck"));
         const bool values = d.flag(a + QLatin1String("AxisValueCheck"));
         const int length = int(d.number(a + QLatin1String("TickLength")));
-        for (double v = std::ceil(axis.low / axis.step) * axis.step; v <= axis.high + axis.step * 1e-9; v += axis.step) {
+        for (double v = std::ceil(axis.low / axis.step) * axis.step; v <= axis.high + axis.step * 1e-9;
+             v += axis.step) {
             const double at = a == QLatin1Char('x') ? toX(v) : toY(v);
             if (grid) {
                 p.setPen(QPen(QColor(220, 220, 220), 0));
@@ -145,8 +146,8 @@ QImage Plot2dPainter::render(const Plot2dDocument& d, const QSize& requested)
             if (a == QLatin1Char('x'))
                 p.drawText(QRectF(at - 60, plot.bottom() + 4, 120, tickHeight), Qt::AlignHCenter | Qt::AlignTop, text);
             else
-                p.drawText(QRectF(0, at - tickHeight, plot.left() - 6, 2 * tickHeight), Qt::AlignRight | Qt::AlignVCenter,
-                    text);
+                p.drawText(QRectF(0, at - tickHeight, plot.left() - 6, 2 * tickHeight),
+                    Qt::AlignRight | Qt::AlignVCenter, text);
         }
     }
     p.setPen(Qt::black);

@@ -40,8 +40,8 @@ QVector<QPair<QString, QString>> makeDefaults()
     add("fontStyle", text("normal"));
     add("useDefaultColorGradient", text("0"));
     add("defaultColorScheme", text("0"));
-    const char* colours[] = { "0;0;128;255", "0;0;255;255", "0;255;255;255", "255;255;0;255", "255;0;0;255",
-        "128;0;0;255" };
+    const char* colours[]
+        = { "0;0;128;255", "0;0;255;255", "0;255;255;255", "255;255;0;255", "255;0;0;255", "128;0;0;255" };
     for (int i = 0; i < 6; ++i)
         d.append({ QStringLiteral("color%1").arg(i + 1), QLatin1String(colours[i]) });
     add("colorPeriods", text("1"));

@@ -132,8 +132,8 @@ QMap<QString, QString> Plot3dPage::values(const Plot3dDocument& d, const QSize& 
 {
     QMap<QString, QString> v;
     const int side = gridSide(d);
-    const SurfaceGrid grid = d.hasData() ? SurfaceGrid::reduce(d.z.constData(), d.width, d.height, side, side)
-                                         : SurfaceGrid();
+    const SurfaceGrid grid
+        = d.hasData() ? SurfaceGrid::reduce(d.z.constData(), d.width, d.height, side, side) : SurfaceGrid();
     double low = qInf(), high = -qInf();
     for (double value : grid.z) {
         if (std::isfinite(value)) {
@@ -197,7 +197,8 @@ QMap<QString, QString> Plot3dPage::values(const Plot3dDocument& d, const QSize& 
     v[QStringLiteral("backgroundColor")] = QStringLiteral("background:") + background.name();
     for (int i = 1; i <= 6; ++i)
         v[QStringLiteral("color%1").arg(i)] = colourObject(d.color(QStringLiteral("color%1").arg(i)));
-    v[QStringLiteral("colorPeriods")] = QString::number(std::clamp(int(d.number(QStringLiteral("colorPeriods"), 1)), 1, 100));
+    v[QStringLiteral("colorPeriods")]
+        = QString::number(std::clamp(int(d.number(QStringLiteral("colorPeriods"), 1)), 1, 100));
 
     QString assignments;
     v[QStringLiteral("valueArrayFunctions")] = dataScript(grid, &assignments);

@@ -51,7 +51,8 @@ QString PlotValues::joinNames(const QStringList& names)
 {
     QStringList escaped;
     for (QString name : names)
-        escaped.append(name.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char(';'), QLatin1String("\\;")));
+        escaped.append(
+            name.replace(QLatin1Char('\\'), QLatin1String("\\\\")).replace(QLatin1Char(';'), QLatin1String("\\;")));
     return escaped.join(QLatin1Char(';'));
 }
 

@@ -1,7 +1,10 @@
 #include "surfacegrid.h"
 
+#include "core/base/parallel.h"
+
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 SurfaceGrid SurfaceGrid::reduce(const double* data, int width, int height, int maxColumns, int maxRows)
 {
@@ -15,24 +18,31 @@ SurfaceGrid SurfaceGrid::reduce(const double* data, int width, int height, int m
     grid.columns = (width + step - 1) / step;
     grid.rows = (height + step - 1) / step;
     grid.z.resize(qsizetype(grid.columns) * grid.rows);
-    QVector<double> sums(grid.columns);
-    QVector<int> counts(grid.columns);
-    for (int row = 0; row < grid.rows; ++row) {
-        std::fill(sums.begin(), sums.end(), 0.0);
-        std::fill(counts.begin(), counts.end(), 0);
+    double* out = grid.z.data();
+    // Rows of cells are independent: each thread sums its own block rows.
+    Parallel::forEach(grid.rows, [&](int row) {
+        std::vector<double> sums(size_t(grid.columns), 0.0);
+        std::vector<int> counts(size_t(grid.columns), 0);
         const int lastY = std::min(height, (row + 1) * step);
         for (int y = row * step; y < lastY; ++y) {
             const double* line = data + qsizetype(y) * width;
-            for (int x = 0; x < width; ++x) {
-                if (std::isfinite(line[x])) {
-                    sums[x / step] += line[x];
-                    ++counts[x / step];
+            for (int c = 0, x = 0; c < grid.columns; ++c) {
+                const int lastX = std::min(width, x + step);
+                double sum = 0;
+                int count = 0;
+                for (; x < lastX; ++x) {
+                    if (std::isfinite(line[x])) {
+                        sum += line[x];
+                        ++count;
+                    }
                 }
+                sums[size_t(c)] += sum;
+                counts[size_t(c)] += count;
             }
         }
-        double* out = grid.z.data() + qsizetype(row) * grid.columns;
+        double* cells = out + qsizetype(row) * grid.columns;
         for (int c = 0; c < grid.columns; ++c)
-            out[c] = counts[c] ? sums[c] / counts[c] : qQNaN();
-    }
+            cells[c] = counts[size_t(c)] ? sums[size_t(c)] / counts[size_t(c)] : qQNaN();
+    });
     return grid;
 }

@@ -172,7 +172,8 @@ QString MainWindow::chooseOne(FileChoice kind, const char* pathKey, const QStrin
 void MainWindow::openItems()
 {
     const QStringList chosen = chooseList(FileChoice::OpenFiles, "openMainDialogPath", tr("Open"),
-        FileImport::openFilter(tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm *.plot2d.velm *.plot3d.velm)")));
+        FileImport::openFilter(tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm "
+                                  "*.plot2d.velm *.plot3d.velm)")));
     for (const QString& path : chosen) {
         QString message;
         if (!openFile(path, &message) || !message.isEmpty())

@@ -41,7 +41,8 @@ Form3dPlot::Form3dPlot(const Plot3dDocument& document, QWidget* parent)
 {
     setObjectName(QStringLiteral("Form3dPlot"));
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(tr("3D plot") + (document.itemName.isEmpty() ? QString() : QStringLiteral(" - ") + document.itemName));
+    setWindowTitle(
+        tr("3D plot") + (document.itemName.isEmpty() ? QString() : QStringLiteral(" - ") + document.itemName));
     m_view->setObjectName(QStringLiteral("webView"));
     m_view->settings()->setAttribute(QWebSettings::WebGLEnabled, true);
     m_view->settings()->setAttribute(QWebSettings::AcceleratedCompositingEnabled, true);
@@ -209,7 +210,8 @@ void Form3dPlot::storeSettings() const
     setFlag("form3dPlot.useKomma", "useKomma");
     for (const char* axis : { "x", "y", "z" }) {
         const QString a = QLatin1String(axis);
-        Options::setString(settingsPrefix + a + QLatin1String("NumericalFormat"), d.setting(a + QLatin1String("NumericalFormat")));
+        Options::setString(
+            settingsPrefix + a + QLatin1String("NumericalFormat"), d.setting(a + QLatin1String("NumericalFormat")));
     }
     Options::setString(QStringLiteral("form3dPlot.xAxisTitle"), d.setting(QStringLiteral("xAxisTitle")));
     Options::setString(QStringLiteral("form3dPlot.yAxisTitle"), d.setting(QStringLiteral("yAxisTitle")));
@@ -243,9 +245,12 @@ void Form3dPlot::restoreSettings()
         const QString key = a + QLatin1String("NumericalFormat");
         d.setSetting(key, Options::getString(settingsPrefix + key, d.setting(key)));
     }
-    d.setSetting(QStringLiteral("xAxisTitle"), Options::getString(QStringLiteral("form3dPlot.xAxisTitle"), d.setting(QStringLiteral("xAxisTitle"))));
-    d.setSetting(QStringLiteral("yAxisTitle"), Options::getString(QStringLiteral("form3dPlot.yAxisTitle"), d.setting(QStringLiteral("yAxisTitle"))));
-    d.setSetting(QStringLiteral("fontStyle"), Options::getString(QStringLiteral("form3dPlot.fontstyle"), d.setting(QStringLiteral("fontStyle"))));
+    d.setSetting(QStringLiteral("xAxisTitle"),
+        Options::getString(QStringLiteral("form3dPlot.xAxisTitle"), d.setting(QStringLiteral("xAxisTitle"))));
+    d.setSetting(QStringLiteral("yAxisTitle"),
+        Options::getString(QStringLiteral("form3dPlot.yAxisTitle"), d.setting(QStringLiteral("yAxisTitle"))));
+    d.setSetting(QStringLiteral("fontStyle"),
+        Options::getString(QStringLiteral("form3dPlot.fontstyle"), d.setting(QStringLiteral("fontStyle"))));
     // An item without units cannot show natural ones, whatever the last window used.
     if (d.xUnit.isEmpty() && d.yUnit.isEmpty())
         d.setFlag(QStringLiteral("useNaturalUnits"), false);
@@ -302,10 +307,16 @@ bool Form3dPlot::savePicture(const QString& path, QString* message)
     page.settings()->setAttribute(QWebSettings::WebGLEnabled, true);
     page.setViewportSize(QSize(width, height));
     QEventLoop loop;
-    connect(&page, &QWebPage::loadFinished, &loop, &QEventLoop::quit);
+    bool loaded = false;
+    connect(&page, &QWebPage::loadFinished, &loop, [&loop, &loaded] {
+        loaded = true;
+        loop.quit();
+    });
     QTimer::singleShot(20000, &loop, &QEventLoop::quit);
     page.mainFrame()->setHtml(Plot3dPage::html(m_document, QSize(width, height), false), QUrl(Plot3dPage::baseUrl()));
-    loop.exec();
+    // Pages whose parts all come from the resources may finish loading before setHtml returns.
+    if (!loaded)
+        loop.exec();
     QImage image(width, height, QImage::Format_ARGB32);
     image.fill(m_document.color(QStringLiteral("backgroundColor"), Qt::black));
     {
@@ -354,10 +365,12 @@ void Form3dPlot::savePictureAsked()
 
 void Form3dPlot::saveFileAsked()
 {
-    const QString path = chooseSaveFile(tr("Save 3D plot"), tr("3D-Plot .velm files") + QStringLiteral(" (*.plot3d.velm)"));
+    const QString path
+        = chooseSaveFile(tr("Save 3D plot"), tr("3D-Plot .velm files") + QStringLiteral(" (*.plot3d.velm)"));
     if (path.isEmpty())
         return;
-    const QString target = path.endsWith(Plot3dFile::suffix(), Qt::CaseInsensitive) ? path : path + Plot3dFile::suffix();
+    const QString target
+        = path.endsWith(Plot3dFile::suffix(), Qt::CaseInsensitive) ? path : path + Plot3dFile::suffix();
     QString message;
     if (!saveFile(target, &message))
         showMessage(tr("Save 3D plot"), message);

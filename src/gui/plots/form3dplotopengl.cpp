@@ -83,9 +83,9 @@ void form3dplotOpenGL::buildMesh(QVector<float>* positions, QVector<float>* colo
             (*positions)[i] = x;
             (*positions)[i + 1] = y;
             (*positions)[i + 2] = height(c, r);
-            const QVector3D normal
-                = QVector3D((height(c - 1, r) - height(c + 1, r)) * longest / 2, (height(c, r + 1) - height(c, r - 1)) * longest / 2, 1)
-                      .normalized();
+            const QVector3D normal = QVector3D((height(c - 1, r) - height(c + 1, r)) * longest / 2,
+                (height(c, r + 1) - height(c, r - 1)) * longest / 2, 1)
+                                         .normalized();
             const float shade = 0.55f + 0.45f * std::max(0.0f, QVector3D::dotProduct(normal, light));
             const QRgb rgb = m_gradient.colorAt(m_grid.at(c, r), low, high);
             (*colours)[i] = qRed(rgb) / 255.0f * shade;

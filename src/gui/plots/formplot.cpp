@@ -336,9 +336,8 @@ void FormPlot::redraw()
 
     m_plot->legend->setVisible(d.flag(QStringLiteral("legendCheck")) && !d.curves.isEmpty());
     m_plot->legend->setFont(font("legendSize", "legendBoldCheck"));
-    static const Qt::Alignment corners[]
-        = { Qt::AlignTop | Qt::AlignRight, Qt::AlignTop | Qt::AlignLeft, Qt::AlignBottom | Qt::AlignRight,
-              Qt::AlignBottom | Qt::AlignLeft };
+    static const Qt::Alignment corners[] = { Qt::AlignTop | Qt::AlignRight, Qt::AlignTop | Qt::AlignLeft,
+        Qt::AlignBottom | Qt::AlignRight, Qt::AlignBottom | Qt::AlignLeft };
     m_plot->axisRect()->insetLayout()->setInsetAlignment(
         0, corners[std::clamp(d.setting(QStringLiteral("legendPosition")).toInt(), 0, 3)]);
     m_plot->replot();
@@ -406,10 +405,12 @@ FormPlot* FormPlot::open(const QString& path, QWidget* parent, QString* message)
 
 void FormPlot::saveAsked()
 {
-    const QString path = chooseSaveFile(tr("Save 2D plot"), tr("2D-Plot .velm files") + QStringLiteral(" (*.plot2d.velm)"));
+    const QString path
+        = chooseSaveFile(tr("Save 2D plot"), tr("2D-Plot .velm files") + QStringLiteral(" (*.plot2d.velm)"));
     if (path.isEmpty())
         return;
-    const QString target = path.endsWith(Plot2dFile::suffix(), Qt::CaseInsensitive) ? path : path + Plot2dFile::suffix();
+    const QString target
+        = path.endsWith(Plot2dFile::suffix(), Qt::CaseInsensitive) ? path : path + Plot2dFile::suffix();
     QString message;
     if (!saveFile(target, &message))
         showMessage(tr("Save 2D plot"), tr("Unable to save plot") + QLatin1Char('\n') + message);

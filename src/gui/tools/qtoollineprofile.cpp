@@ -65,7 +65,8 @@ void QToolLineProfile::showProfile()
     const QString distance = m_profile.distanceUnit.isEmpty()
         ? tr("distance")
         : tr("distance") + QStringLiteral(" [") + m_profile.distanceUnit + QLatin1Char(']');
-    const QString z = m_profile.zUnit.isEmpty() ? QStringLiteral("z") : QStringLiteral("z [") + m_profile.zUnit + QLatin1Char(']');
+    const QString z
+        = m_profile.zUnit.isEmpty() ? QStringLiteral("z") : QStringLiteral("z [") + m_profile.zUnit + QLatin1Char(']');
     Plot2dCurve curve;
     curve.plotName = tr("%1 from (%2, %3) to (%4, %5)")
                          .arg(measured->name())

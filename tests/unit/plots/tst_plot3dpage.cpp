@@ -31,9 +31,9 @@ private slots:
     {
         QSet<QString> used;
         static const QRegularExpression placeholder(QStringLiteral("\\$\\{([A-Za-z0-9]+)\\}"));
-        for (const char* name : { "examples/mainGL.html", "javascript/SurfacePlotGL.js", "javascript/webGL.js",
-                 "javascript/glMatrixGL.js", "javascript/ColourGradientGL.js", "javascript/excanvasGL.js",
-                 "css/style.css" }) {
+        for (const char* name :
+            { "examples/mainGL.html", "javascript/SurfacePlotGL.js", "javascript/webGL.js", "javascript/glMatrixGL.js",
+                "javascript/ColourGradientGL.js", "javascript/excanvasGL.js", "css/style.css" }) {
             const QString text = Plot3dPage::templateText(QLatin1String(name));
             QVERIFY2(!text.isEmpty(), name);
             auto it = placeholder.globalMatch(text);
@@ -101,7 +101,8 @@ private slots:
         QCOMPARE(grid.at(0, 0), (2 + 3 + 6 + 7 + 8 + 11 + 12 + 13) / 8.0);
         QCOMPARE(grid.at(1, 0), (4 + 5 + 9 + 10 + 14 + 15) / 6.0);
 
-        const SurfaceGrid big = SurfaceGrid::reduce(QVector<double>(4096 * 4096, 1.0).constData(), 4096, 4096, 512, 512);
+        const SurfaceGrid big
+            = SurfaceGrid::reduce(QVector<double>(4096 * 4096, 1.0).constData(), 4096, 4096, 512, 512);
         QCOMPARE(big.columns, 512);
         QCOMPARE(big.rows, 512);
         QCOMPARE(big.at(511, 511), 1.0);

@@ -73,12 +73,12 @@ private slots:
         const QString notVelm = QStringLiteral("File does not contain .velm data.");
         const QString corrupted = QStringLiteral("Unfortunately, the file is corrupted and cannot be loaded!");
         QTest::newRow("not compressed") << QByteArray("<header|<type|2dPlot|type>|header>") << notVelm;
-        QTest::newRow("wrong prefix") << CompressedBlock::compress(QByteArray("<head|<type|x|type>|head>"), 6).toByteArray()
-                                      << notVelm;
+        QTest::newRow("wrong prefix")
+            << CompressedBlock::compress(QByteArray("<head|<type|x|type>|head>"), 6).toByteArray() << notVelm;
         QTest::newRow("too short") << CompressedBlock::compress(QByteArray("<header|"), 6).toByteArray() << notVelm;
-        QTest::newRow("unparsable") << CompressedBlock::compress(QByteArray("<header|<type|2dPlot|type>|oops>"), 6)
-                                           .toByteArray()
-                                    << QStringLiteral("File corrupted.");
+        QTest::newRow("unparsable")
+            << CompressedBlock::compress(QByteArray("<header|<type|2dPlot|type>|oops>"), 6).toByteArray()
+            << QStringLiteral("File corrupted.");
         QTest::newRow("no settings") << container(QStringLiteral("2dPlot"), QStringLiteral("<plotData||plotData>"))
                                      << corrupted;
         QTest::newRow("short values") << container(QStringLiteral("2dPlot"),
@@ -108,10 +108,11 @@ private slots:
     void plot2dShortGeometryAndEmptyCurveStillLoad()
     {
         const QString path = m_dir.filePath("short.plot2d.velm");
-        writeAll(path, container(QStringLiteral("2dPlot"),
-                           QStringLiteral("<version|1|version><settings|<title|t|title>|settings><geometry|1;2|geometry>"
-                                          "<plotData|<plot|<plotName|p|plotName><valueLength|0|valueLength>"
-                                          "<values||values>|plot>|plotData>")));
+        writeAll(path,
+            container(QStringLiteral("2dPlot"),
+                QStringLiteral("<version|1|version><settings|<title|t|title>|settings><geometry|1;2|geometry>"
+                               "<plotData|<plot|<plotName|p|plotName><valueLength|0|valueLength>"
+                               "<values||values>|plot>|plotData>")));
         Plot2dDocument document;
         QString message;
         QVERIFY2(Plot2dFile::read(path, &document, &message), qPrintable(message));
@@ -170,7 +171,8 @@ private slots:
                                "<zMin|0|zMin><zMax|1|zMax><data||data>") }) {
             writeAll(path, container(QStringLiteral("3dPlot"), content));
             QVERIFY(!Plot3dFile::read(path, &document, &message));
-            QVERIFY2(message.startsWith(QStringLiteral("The file is corrupted and cannot be loaded.")), qPrintable(message));
+            QVERIFY2(
+                message.startsWith(QStringLiteral("The file is corrupted and cannot be loaded.")), qPrintable(message));
         }
         // A 2D plot file is no 3D plot.
         Plot2dDocument flat;
