@@ -10,6 +10,13 @@
 #include "gui/plots/qcustomplotheader.h"
 
 #include "core/items/qsciimage.h"
+#include "core/project/collectiontab.h"
+#include "core/project/project.h"
+#include "core/tables/qscisimpletablemodel.h"
+#include "gui/app/mainwindow.h"
+#include "gui/plots/form3dplotopengl.h"
+#include "gui/plots/formaddplot.h"
+#include "gui/tools/qtoollineprofile.h"
 #include "core/plots/plot2dfile.h"
 #include "core/plots/plot3ddocument.h"
 #include "core/plots/plot3dpage.h"
@@ -171,6 +178,89 @@ private slots:
         QFile svg(m_dir.filePath("two.svg"));
         QVERIFY(svg.open(QIODevice::ReadOnly));
         QVERIFY(svg.readAll().contains("<svg"));
+    }
+
+    void addPlotTakesNumericRowsOfTheChosenColumns()
+    {
+        QSciSimpleTableModel table(4, 3);
+        const char* cells[4][3] = { { "1", "10", "a" }, { "2", "x", "5" }, { "", "30", "6" }, { "4", "40", "7e1" } };
+        for (int r = 0; r < 4; ++r)
+            for (int c = 0; c < 3; ++c)
+                table.setCellText(r, c, QLatin1String(cells[r][c]));
+        const QVector<Plot2dCurve> curves
+            = FormAddPlot::curvesOf(table, QStringLiteral("T"), 0, { 1, 2 }, QStringLiteral("run"));
+        QCOMPARE(curves.size(), 2);
+        QCOMPARE(curves[0].values, QVector<double>({ 1, 10, 4, 40 }));
+        QCOMPARE(curves[1].values, QVector<double>({ 2, 5, 4, 70 }));
+        QVERIFY(curves[0].plotName.startsWith(QStringLiteral("run ")));
+        QVERIFY(FormAddPlot::curvesOf(table, QStringLiteral("T"), 5, { 1 }).isEmpty());
+    }
+
+    void profileToolShowsAndExportsTheProfile()
+    {
+        ScopedSettings settings;
+        QSciImage item(30, 10, Qt::white);
+        for (int x = 0; x < 30; ++x)
+            for (int y = 0; y < 10; ++y)
+                item.setZ(x, y, x < 15 ? 1.0 : 4.0);
+        QToolLineProfile tool;
+        tool.setTarget(nullptr, &item);
+        tool.beginDrag(QPoint(2, 5), Qt::LeftButton);
+        tool.updateDrag(QPoint(20, 5));
+        tool.endDrag(QPoint(27, 5), Qt::LeftButton);
+        QCOMPARE(tool.lastProfile().size(), 26);
+        FormPlot* window = tool.plotWindow();
+        QVERIFY(window && window->isVisible());
+        QCOMPARE(window->plot()->graphCount(), 1);
+        QCOMPARE(window->plot()->yAxis->range().lower < 1.0, true);
+        const QString csv = m_dir.filePath("profile.csv");
+        QString message;
+        QVERIFY2(window->exportCsv(csv, &message), qPrintable(message));
+        QFile file(csv);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QList<QByteArray> lines = file.readAll().trimmed().split('\n');
+        QCOMPARE(lines.size(), 27);
+        QCOMPARE(lines.first(), QByteArray("distance,z"));
+        QCOMPARE(lines.last(), QByteArray("25,4"));
+        delete window;
+    }
+
+    void openGlWindowReducesLargeItems()
+    {
+        QSciImage item(2048, 1000, Qt::white);
+        form3dplotOpenGL window(item);
+        QCOMPARE(window.grid().columns, 512);
+        QCOMPARE(window.grid().rows, 250);
+        QSciImage small(40, 30, Qt::white);
+        QCOMPARE(form3dplotOpenGL(small).grid().columns, 40);
+    }
+
+    void mainWindowOpensPlotsAndMakesOneSurfacePerItem()
+    {
+        ScopedSettings settings;
+        MainWindow window;
+        const QString good = m_dir.filePath("main.plot2d.velm");
+        QString message;
+        QVERIFY(Plot2dFile::write(twoCurves(), good, &message));
+        QVERIFY2(window.openFile(good, &message), qPrintable(message));
+        QCOMPARE(window.findChildren<FormPlot*>().size(), 1);
+        const QString bad = m_dir.filePath("bad.plot2d.velm");
+        QFile broken(bad);
+        QVERIFY(broken.open(QIODevice::WriteOnly));
+        broken.write("not a plot");
+        broken.close();
+        QVERIFY(!window.openFile(bad, &message));
+        QVERIFY(message.startsWith(QStringLiteral("File does not contain .velm data.")));
+        QCOMPARE(window.findChildren<FormPlot*>().size(), 1);
+
+        CollectionTab* tab = window.project()->currentTab();
+        QVERIFY(tab && !tab->items().isEmpty());
+        auto* second = new QSciImage(20, 10, Qt::white);
+        tab->addItem(second);
+        for (QSciImage* item : tab->items())
+            item->setSelected(true);
+        QVERIFY(QMetaObject::invokeMethod(&window, "on_tb3dPlot_clicked"));
+        QCOMPARE(window.findChildren<Form3dPlot*>().size(), tab->items().size());
     }
 
 private:

@@ -62,10 +62,13 @@ Axis axisOf(const Plot2dDocument& d, QChar a)
     axis.scale = d.scale(a);
     axis.low = forward(axis.scale, d.number(a + QLatin1String("RangeMin")));
     axis.high = forward(axis.scale, d.number(a + QLatin1String("RangeMax")));
-    if (!std::isfinite(axis.low) || !std::isfinite(axis.high) || axis.low == axis.high) {
-        axis.low = std::isfinite(axis.low) ? axis.low : 0;
+    // A log axis asked to start at 0 or below shows three decades under its top instead.
+    if (!std::isfinite(axis.high))
+        axis.high = std::isfinite(axis.low) ? axis.low + 1 : 1;
+    if (!std::isfinite(axis.low))
+        axis.low = axis.high - 3;
+    if (axis.low == axis.high)
         axis.high = axis.low + 1;
-    }
     if (axis.low > axis.high)
         std::swap(axis.low, axis.high);
     const double fixed = d.number(a + QLatin1String("TickStep"));

@@ -78,6 +78,67 @@ private slots:
         QCOMPARE(Plot3dPage::scriptString(QStringLiteral("a\"b\\c\n")), QStringLiteral("a\\u0022b\\u005cc\\u000a"));
     }
 
+    void tickLabelsFollowUnitsFormatAndDecimalMark_data()
+    {
+        QTest::addColumn<bool>("natural");
+        QTest::addColumn<bool>("komma");
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QString>("lastXLabel");
+        QTest::addColumn<QString>("xTitle");
+        // 7 points over 2.5 um; five ticks put the last one at the far edge.
+        QTest::newRow("points") << false << false << "0"
+                                << "7.00"
+                                << "x";
+        QTest::newRow("natural units") << true << false << "0"
+                                       << "2.50"
+                                       << "x [um]";
+        QTest::newRow("decimal comma") << true << true << "0"
+                                       << "2,50"
+                                       << "x [um]";
+        QTest::newRow("scientific") << true << false << "1"
+                                    << "2.50e+00"
+                                    << "x [um]";
+    }
+
+    void tickLabelsFollowUnitsFormatAndDecimalMark()
+    {
+        QFETCH(bool, natural);
+        QFETCH(bool, komma);
+        QFETCH(QString, format);
+        QFETCH(QString, lastXLabel);
+        QFETCH(QString, xTitle);
+        Plot3dDocument document = demoDocument(7, 5);
+        document.xUnit = QStringLiteral("um");
+        document.xSize = 2.5;
+        document.setFlag(QStringLiteral("useNaturalUnits"), natural);
+        document.setFlag(QStringLiteral("useKomma"), komma);
+        document.setSetting(QStringLiteral("xNumericalFormat"), format);
+        const QMap<QString, QString> values = Plot3dPage::values(document, QSize(300, 300));
+        QVERIFY2(values.value(QStringLiteral("xTicks"))
+                     .endsWith(QStringLiteral("[1, \"") + lastXLabel + QStringLiteral("\"]]")),
+            qPrintable(values.value(QStringLiteral("xTicks"))));
+        QCOMPARE(values.value(QStringLiteral("XAxisTitle")), xTitle);
+        // Unchecked axes and titles leave their texts empty rather than showing stale ones.
+        document.setFlag(QStringLiteral("xAxisCheck"), false);
+        document.setFlag(QStringLiteral("plotTitleCheck"), false);
+        const QMap<QString, QString> hidden = Plot3dPage::values(document, QSize(300, 300));
+        QVERIFY(hidden.value(QStringLiteral("XAxisTitle")).isEmpty());
+        QVERIFY(hidden.value(QStringLiteral("plotTitle")).isEmpty());
+    }
+
+    void precisionBoundsTheGrid()
+    {
+        Plot3dDocument document = demoDocument(300, 120);
+        document.setFlag(QStringLiteral("autoPrecision"), false);
+        document.setNumber(QStringLiteral("precision"), 50);
+        const QMap<QString, QString> values = Plot3dPage::values(document, QSize(300, 300));
+        QCOMPARE(values.value(QStringLiteral("numberOfCols")), QStringLiteral("50"));
+        QCOMPARE(values.value(QStringLiteral("numberOfRows")), QStringLiteral("20"));
+        // An absurd precision from a file is held to what a page can draw.
+        document.setNumber(QStringLiteral("precision"), 1e9);
+        QCOMPARE(Plot3dPage::gridSide(document), 400);
+    }
+
     void standalonePageInlinesEverything()
     {
         const QString page = Plot3dPage::html(demoDocument(3, 3), QSize(300, 300), true);
