@@ -250,11 +250,17 @@ SurfacePlot.prototype.drawAxes = function (m) {
     ctx.lineWidth = 1;
     var x0 = -this.spanX / 2, x1 = this.spanX / 2, y0 = -this.spanY / 2, y1 = this.spanY / 2;
     var z0 = this.zBottom, z1 = this.zBottom + this.zHeight;
-    // Each axis: its start, its end, and the outward direction of its ticks and labels.
+    // The axes run along the base edges that face the viewer, so that turning the surface never hides them
+    // behind it: x along the nearer of the two x edges, y along the edge further right on screen, z up the
+    // remaining front corner. Each axis: its start, its end, and the outward direction of its ticks and labels.
+    var yEdge = Mat4.apply(m, 0, y0, z0)[2] >= Mat4.apply(m, 0, y1, z0)[2] ? y0 : y1;
+    var xEdge = Mat4.apply(m, x1, 0, z0)[0] >= Mat4.apply(m, x0, 0, z0)[0] ? x1 : x0;
+    var xOther = xEdge === x1 ? x0 : x1;
+    var ySign = yEdge === y0 ? -1 : 1, xSign = xEdge === x1 ? 1 : -1;
     var axes = [
-        { from: [x0, y0, z0], to: [x1, y0, z0], out: [0, -1, 0] },
-        { from: [x1, y0, z0], to: [x1, y1, z0], out: [1, 0, 0] },
-        { from: [x0, y0, z0], to: [x0, y0, z1], out: [-0.7, -0.7, 0] }
+        { from: [x0, yEdge, z0], to: [x1, yEdge, z0], out: [0, ySign, 0] },
+        { from: [xEdge, y0, z0], to: [xEdge, y1, z0], out: [xSign, 0, 0] },
+        { from: [xOther, yEdge, z0], to: [xOther, yEdge, z1], out: [-0.7 * xSign, 0.7 * ySign, 0] }
     ];
     var project = function (p) {
         var s = Mat4.apply(m, p[0], p[1], p[2]);
@@ -288,8 +294,9 @@ SurfacePlot.prototype.drawAxes = function (m) {
             }
         }
         if (o.axisTitles[a]) {
-            var titleAt = along(axis, 0.5, o.labelOffsets[a] * 2.4);
-            ctx.fillText(o.axisTitles[a], titleAt[0], titleAt[1]);
+            // The vertical axis carries its title on top, clear of its tick labels.
+            var titleAt = a === 2 ? project(axis.to) : along(axis, 0.5, o.labelOffsets[a] * 2.4);
+            ctx.fillText(o.axisTitles[a], titleAt[0], a === 2 ? titleAt[1] - o.fontSize * 1.5 : titleAt[1]);
         }
     }
     if (o.title) {
