@@ -141,9 +141,13 @@ private slots:
 
         const QString file = m_dir.filePath("surface.plot3d.velm");
         QVERIFY2(window.saveFile(file, &message), qPrintable(message));
+        // A saved plot opens as saved, not with what a later window left in the settings.
+        Options::setBool(QStringLiteral("form3dPlot.useKomma"), true);
         std::unique_ptr<Form3dPlot> reopened(Form3dPlot::open(file, nullptr, &message));
         QVERIFY2(reopened, qPrintable(message));
         QCOMPARE(reopened->document().z, window.document().z);
+        QCOMPARE(reopened->document().settings(), window.document().settings());
+        QVERIFY(Form3dPlot(window.document()).document().flag(QStringLiteral("useKomma")));
     }
 
     void plotWindowSavesOpensAndExports()

@@ -33,7 +33,7 @@ const QString settingsPrefix = QStringLiteral("form3dPlot.");
 
 } // namespace
 
-Form3dPlot::Form3dPlot(const Plot3dDocument& document, QWidget* parent)
+Form3dPlot::Form3dPlot(const Plot3dDocument& document, QWidget* parent, bool remembered)
     : QWidget(parent, Qt::Window)
     , m_document(document)
     , m_view(new PlotWebView)
@@ -69,7 +69,8 @@ Form3dPlot::Form3dPlot(const Plot3dDocument& document, QWidget* parent)
     showMessage = [this](const QString& title, const QString& text) {
         QMessageBox::warning(this, title, text, QMessageBox::Ok);
     };
-    restoreSettings();
+    if (remembered)
+        restoreSettings();
     writeControls();
     resize(document.geometry.size());
     updatePage();
@@ -381,7 +382,8 @@ Form3dPlot* Form3dPlot::open(const QString& path, QWidget* parent, QString* mess
     Plot3dDocument document;
     if (!Plot3dFile::read(path, &document, message))
         return nullptr;
-    auto* window = new Form3dPlot(document, parent);
+    // A saved plot shows as it was saved, whatever the last window used.
+    auto* window = new Form3dPlot(document, parent, false);
     window->setGeometry(document.geometry);
     return window;
 }

@@ -24,7 +24,8 @@ public:
     /** The largest picture side "Save 3D plot to file" accepts. */
     static constexpr int MaxSaveSide = 10000;
 
-    explicit Form3dPlot(const Plot3dDocument& document, QWidget* parent = nullptr);
+    /** With @p remembered the `form3dPlot.` settings of the last window replace the document's own. */
+    explicit Form3dPlot(const Plot3dDocument& document, QWidget* parent = nullptr, bool remembered = true);
     static Form3dPlot* open(const QString& path, QWidget* parent, QString* message);
 
     Plot3dDocument document() const;

@@ -413,7 +413,7 @@ void FormPlot::saveAsked()
         = path.endsWith(Plot2dFile::suffix(), Qt::CaseInsensitive) ? path : path + Plot2dFile::suffix();
     QString message;
     if (!saveFile(target, &message))
-        showMessage(tr("Save 2D plot"), tr("Unable to save plot") + QLatin1Char('\n') + message);
+        showMessage(tr("Save 2D plot"), message);
 }
 
 void FormPlot::exportPictureAsked()
