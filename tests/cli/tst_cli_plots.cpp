@@ -85,6 +85,21 @@ private slots:
         QCOMPARE(broken.exitCode, 1);
     }
 
+    void plot2dReadsDecimalCommasAndColumnNumbers()
+    {
+        QFile csv(path("komma.csv"));
+        QVERIFY(csv.open(QIODevice::WriteOnly));
+        csv.write("0,5;1,25\n1,5;-2,75\n");
+        csv.close();
+        QCOMPARE(cli({ "plot2d", "--csv", path("komma.csv"), "--x", "0", "--y", "1", "--out", path("k.plot2d.velm") })
+                     .exitCode,
+            0);
+        const QJsonObject json = QJsonDocument::fromJson(cli({ "info", path("k.plot2d.velm") }).out).object();
+        QCOMPARE(json.value("plots").toArray().first().toObject().value("values").toArray(),
+            QJsonArray({ 0.5, 1.25, 1.5, -2.75 }));
+        QCOMPARE(json.value("settings").toObject().value("xRangeMax").toString(), QStringLiteral("1.5"));
+    }
+
     void plot3dWritesAStandalonePage()
     {
         QCOMPARE(cli({ "plot3d", path("step.img.velm"), "--html", path("s.html") }).exitCode, 0);

@@ -1,6 +1,10 @@
 #include "../support/scopedsettings.h"
 
 #include <QCheckBox>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QWebFrame>
 #include <QWebPage>
@@ -141,6 +145,21 @@ private slots:
 
         const QString file = m_dir.filePath("surface.plot3d.velm");
         QVERIFY2(window.saveFile(file, &message), qPrintable(message));
+        QProcess info;
+        info.start(QStringLiteral(VELMORA_CLI), { QStringLiteral("info"), file });
+        QVERIFY(info.waitForFinished(30000));
+        const QJsonObject json = QJsonDocument::fromJson(info.readAllStandardOutput()).object();
+        QCOMPARE(json.value(QStringLiteral("type")).toString(), QStringLiteral("3dPlot"));
+        QCOMPARE(json.value(QStringLiteral("imageWidth")).toInt(), 60);
+        QCOMPARE(json.value(QStringLiteral("plots"))
+                     .toArray()
+                     .first()
+                     .toObject()
+                     .value(QStringLiteral("values"))
+                     .toArray()
+                     .size(),
+            60 * 40);
+
         // A saved plot opens as saved, not with what a later window left in the settings.
         Options::setBool(QStringLiteral("form3dPlot.useKomma"), true);
         std::unique_ptr<Form3dPlot> reopened(Form3dPlot::open(file, nullptr, &message));
