@@ -130,6 +130,11 @@ private slots:
         window.findChild<QCheckBox*>(QStringLiteral("cbNaturalUnits"))->setChecked(true);
         QCOMPARE(messages, QStringList { QStringLiteral("AttentionNo natural units available!") });
         QVERIFY(!window.document().flag(QStringLiteral("useNaturalUnits")));
+        // Axis switches reach the document and are remembered for the next window.
+        window.findChild<QCheckBox*>(QStringLiteral("zAxisCheck"))->setChecked(false);
+        QVERIFY(!window.document().flag(QStringLiteral("zAxisCheck")));
+        QVERIFY(!Options::getBool(QStringLiteral("form3dPlot.zAxisCheck"), true));
+        QVERIFY(!Form3dPlot(demoDocument(QStringLiteral("next"))).document().flag(QStringLiteral("zAxisCheck")));
 
         const QString png = m_dir.filePath("surface.png");
         QString message;

@@ -13,6 +13,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFormLayout>
+#include <QGridLayout>
+#include <QLabel>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -112,6 +114,37 @@ QWidget* Form3dPlot::buildPanel()
         form->addRow(box);
         connect(box, &QCheckBox::toggled, this, &Form3dPlot::readControls);
     }
+    // One row per axis: whether its title shows, with its unit, its tick labels and sub-ticks, and its tick count.
+    auto* axes = new QGridLayout;
+    const QString headers[] = { tr("Title"), tr("Unit"), tr("Labels"), tr("Sub-ticks"), tr("Ticks") };
+    for (int c = 0; c < 5; ++c)
+        axes->addWidget(new QLabel(headers[c]), 0, c + 1);
+    const char* axisNames[] = { "x", "y", "z" };
+    for (int r = 0; r < 3; ++r) {
+        const QString a = QLatin1String(axisNames[r]);
+        axes->addWidget(new QLabel(a), r + 1, 0);
+        const QString keys[]
+            = { a + QLatin1String("AxisCheck"), QLatin1String("add") + a.toUpper() + QLatin1String("Unit"),
+                  a + QLatin1String("LabelCheck"), a + QLatin1String("SubTickCheck") };
+        for (int c = 0; c < 4; ++c) {
+            auto* box = new QCheckBox;
+            box->setObjectName(keys[c]);
+            m_flagBoxes.insert(keys[c], box);
+            connect(box, &QCheckBox::toggled, this, &Form3dPlot::readControls);
+            axes->addWidget(box, r + 1, c + 1);
+        }
+        auto* ticks = new QSpinBox;
+        ticks->setRange(0, 50);
+        ticks->setObjectName(a + QLatin1String("TickNumberValue"));
+        m_numberBoxes.insert(ticks->objectName(), ticks);
+        connect(ticks, &QSpinBox::editingFinished, this, &Form3dPlot::readControls);
+        axes->addWidget(ticks, r + 1, 5);
+    }
+    auto* titleBox = named(new QCheckBox(tr("Show title")), "plotTitleCheck");
+    m_flagBoxes.insert(titleBox->objectName(), titleBox);
+    connect(titleBox, &QCheckBox::toggled, this, &Form3dPlot::readControls);
+    form->addRow(titleBox);
+    form->addRow(axes);
     form->addRow(tr("Precision:"), m_precision);
     form->addRow(tr("Render:"), m_render);
     form->addRow(tr("Font size:"), m_fontSize);
@@ -153,6 +186,10 @@ void Form3dPlot::writeControls()
     // Shown as typed, so that a size too large can be refused when saving.
     m_saveWidth->setValue(int(d.number(QStringLiteral("saveWidth"), 1200)));
     m_saveHeight->setValue(int(d.number(QStringLiteral("saveHeight"), 900)));
+    for (auto it = m_flagBoxes.constBegin(); it != m_flagBoxes.constEnd(); ++it)
+        it.value()->setChecked(d.flag(it.key()));
+    for (auto it = m_numberBoxes.constBegin(); it != m_numberBoxes.constEnd(); ++it)
+        it.value()->setValue(int(d.number(it.key())));
     m_updating = false;
 }
 
@@ -181,6 +218,10 @@ void Form3dPlot::readControls()
     d.setSetting(QStringLiteral("fontStyle"), m_fontStyle->currentText());
     d.setNumber(QStringLiteral("saveWidth"), m_saveWidth->value());
     d.setNumber(QStringLiteral("saveHeight"), m_saveHeight->value());
+    for (auto it = m_flagBoxes.constBegin(); it != m_flagBoxes.constEnd(); ++it)
+        d.setFlag(it.key(), it.value()->isChecked());
+    for (auto it = m_numberBoxes.constBegin(); it != m_numberBoxes.constEnd(); ++it)
+        d.setNumber(it.key(), it.value()->value());
     storeSettings();
     takeAngles();
     updatePage();

@@ -2,6 +2,7 @@
 
 #include "core/plots/plot3ddocument.h"
 
+#include <QMap>
 #include <QWidget>
 #include <functional>
 
@@ -69,6 +70,9 @@ private:
     QCheckBox* m_autoPrecision;
     QSpinBox* m_fontSize;
     QComboBox* m_fontStyle;
+    /** Check boxes and spin boxes that each show one settings key, by key. */
+    QMap<QString, QCheckBox*> m_flagBoxes;
+    QMap<QString, QSpinBox*> m_numberBoxes;
     QSpinBox* m_saveWidth;
     QSpinBox* m_saveHeight;
     bool m_updating = false;

@@ -16,13 +16,12 @@ QToolLineProfile::QToolLineProfile(QWidget* parent)
 {
     m_width->setObjectName(QStringLiteral("sbProfileWidth"));
     m_width->setRange(1, 500);
-    m_width->setSuffix(tr(" points"));
     m_width->setToolTip(tr("Thickness of the line; z is averaged across it."));
     m_result->setObjectName(QStringLiteral("lbProfile"));
     m_result->setWordWrap(true);
     auto* layout = new QFormLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addRow(tr("Width:"), m_width);
+    layout->addRow(tr("Width (points):"), m_width);
     layout->addRow(m_result);
     watchPanel();
 }
