@@ -3,6 +3,7 @@
 #include "cliinstruments.h"
 #include "cliitems.h"
 #include "documentinfo.h"
+#include "plotinfo.h"
 
 #include "core/base/messages.h"
 #include "core/items/itemfile.h"
@@ -54,10 +55,12 @@ int runInfo(CliContext& ctx, CliArgs& args)
         return CliUsage;
     }
     const QString path = args.positional().first();
-    if (DocumentInfo::isDocumentFileName(path)) {
+    if (DocumentInfo::isDocumentFileName(path) || PlotInfo::isPlotFileName(path)) {
         QJsonObject document;
         QString message;
-        if (!DocumentInfo::describe(path, &document, &message))
+        const bool described = PlotInfo::isPlotFileName(path) ? PlotInfo::describe(path, &document, &message)
+                                                              : DocumentInfo::describe(path, &document, &message);
+        if (!described)
             return ctx.fail(message);
         ctx.out << QJsonDocument(document).toJson(QJsonDocument::Indented);
         return CliSuccess;

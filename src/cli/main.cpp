@@ -53,8 +53,9 @@ int main(int argc, char** argv)
 {
     // Drawn text (rulers, labels) needs fonts, which need a GUI application; only the commands that draw it pay
     // for one, on the offscreen platform, which needs no display server.
-    const bool drawsText = std::any_of(argv + 1, argv + argc,
-        [](const char* arg) { return qstrcmp(arg, "--decorations") == 0 || qstrncmp(arg, "--display", 9) == 0; });
+    const bool drawsText = std::any_of(argv + 1, argv + argc, [](const char* arg) {
+        return qstrcmp(arg, "--decorations") == 0 || qstrcmp(arg, "--png") == 0 || qstrncmp(arg, "--display", 9) == 0;
+    });
     if (drawsText)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const std::unique_ptr<QCoreApplication> application(

@@ -281,6 +281,7 @@ void MainWindow::wireActions()
     });
     wireItemActions();
     wireFileActions();
+    wirePlotActions();
 
     wireViewToggle("actionToolbox", m_toolsDock);
     wireViewToggle("actionComponents", m_componentsDock);

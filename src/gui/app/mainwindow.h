@@ -191,9 +191,8 @@ private slots:
     void popupImageList_clearMask();
     void popupImageList_duplicate();
     void popupImageList_ChangeParent();
-    // The 3D plots are another subsystem's; their entries stay disabled until it exists.
-    void on_tb3dPlot_clicked() { }
-    void on_pb3dplotOpenGL_clicked() { }
+    void on_tb3dPlot_clicked();
+    void on_pb3dplotOpenGL_clicked();
     void popupImageList_DisplayInfo();
     void popupImageList_info();
 
@@ -221,6 +220,11 @@ private:
     void wireActions();
     void wireItemActions();
     void wireFileActions();
+    void wirePlotActions();
+    /** Opens a 2D or 3D plot file in a window of its own; false with the message when it cannot. */
+    bool openPlotFile(const QString& path, QString* message);
+    /** A new, empty 2D plot window that takes its curves from the tables. */
+    void newPlot2d();
     void wireHistory();
     void wireHelpActions();
     /** The help page of the part of the window that has the focus (the index when none has one). */

@@ -179,7 +179,8 @@ QString MainWindow::chooseOne(FileChoice kind, const char* pathKey, const QStrin
 void MainWindow::openItems()
 {
     const QStringList chosen = chooseList(FileChoice::OpenFiles, "openMainDialogPath", tr("Open"),
-        FileImport::openFilter(tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm)")));
+        FileImport::openFilter(tr("Velmora files (*.img.velm *.project.velm *.table.velm *.text.velm *.output.velm "
+                                  "*.plot2d.velm *.plot3d.velm)")));
     for (const QString& path : chosen) {
         QString message;
         if (!openFile(path, &message) || !message.isEmpty())
@@ -203,6 +204,9 @@ bool MainWindow::openFile(const QString& path, QString* message)
         return m_textsPanel->openTextFile(path, message);
     if (path.endsWith(QLatin1String(".output.velm"), Qt::CaseInsensitive))
         return m_textsPanel->openOutput(path, message);
+    if (path.endsWith(QLatin1String(".plot2d.velm"), Qt::CaseInsensitive)
+        || path.endsWith(QLatin1String(".plot3d.velm"), Qt::CaseInsensitive))
+        return openPlotFile(path, message);
 
     if (!ItemFile::isNativeFileName(path) && info.exists())
         return openImported(path, message);

@@ -65,6 +65,7 @@ const Requirement requirements[] = {
     { "popupImageList_duplicate", 1 }, { "popupImageList_alignAdvanced", 2 },
     { "popupImageList_recalibrateZ", 1 }, { "popupImageList_imageProcessing", 1 }, { "popupImageList_selectColorGradient", 1 },
     { "popupImageList_DisplayInfo", 1 }, { "popupImageList_info", 1 },
+    { "on_tb3dPlot_clicked", 1 }, { "on_pb3dplotOpenGL_clicked", 1 },
 };
 
 // Tool bar buttons that open an entry's dialog for the selected items.
@@ -75,6 +76,8 @@ const struct {
     { "tbColorGradient", "popupImageList_selectColorGradient" },
     { "tbDisplayProperties", "popupImageList_DisplayInfo" },
     { "tbAdvancedProperties", "popupImageList_info" },
+    { "tb3dPlot", "on_tb3dPlot_clicked" },
+    { "pb3dplotOpenGL", "on_pb3dplotOpenGL_clicked" },
 };
 // clang-format on
 

@@ -14,6 +14,7 @@
 #include "qtoolfreehandselection.h"
 #include "qtoolmagicwandselection.h"
 #include "qtoolmeasuredistance.h"
+#include "qtoollineprofile.h"
 #include "qtoolmoveselection.h"
 #include "qtoolrectangleselection.h"
 #include "qtoolrectshape.h"
@@ -53,6 +54,7 @@ ToolBox::ToolBox(ToolsDock* dock, QObject* parent)
     addTool(Scientific, tr("Measure distance"), new QToolMeasureDistance);
     addTool(Scientific, tr("Edit object"), new QToolEditObject);
     addTool(Scientific, tr("Analyse object"), new QToolAnalyseObject);
+    addTool(Scientific, tr("Line profile"), new QToolLineProfile);
     addTool(Draw, tr("Pick colour"), new QToolColorPicker);
     addTool(Draw, tr("Fill bucket"), new QToolFillBucket);
     addTool(Draw, tr("Pencil"), new QToolDrawPencil);
