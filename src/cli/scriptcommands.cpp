@@ -7,6 +7,7 @@
 #include "core/script/qsciscriptthread.h"
 #include "core/script/scriptlog.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>

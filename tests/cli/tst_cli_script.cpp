@@ -1,6 +1,8 @@
 #include "clirunner.h"
 
 #include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -26,16 +28,16 @@ private slots:
         QCOMPARE(runCli(m_dir.path(), { "new", "--size", "20x12", "--out", item }).exitCode, 0);
         const QString script = write("size.js",
             "var i = new sciImage('x'); i.begin();\n"
-            "if (!i.loadFromFile(args.in)) throw 'cannot read ' + args.in;\n"
+            "if (!i.loadFromFile(args.file)) throw 'cannot read ' + args.file;\n"
             "sciPrint(i.getName() + ' ' + args.tag);\n"
             "sciPrintText('saved ' + i.saveToFile(args.out), 'log');\n");
         const QString out = m_dir.filePath("copy.img.velm");
         const CliResult r
-            = runCli(m_dir.path(), { "script", script, "--arg", "in=" + item, "--arg", "out=" + out, "--arg", "tag=a=b" });
+            = runCli(m_dir.path(), { "script", script, "--arg", "file=" + item, "--arg", "out=" + out, "--arg", "tag=a=b" });
         QCOMPARE(r.exitCode, 0);
         QCOMPARE(r.out, QByteArray("blank a=b\nlog: saved true\n"));
         const CliResult info = runCli(m_dir.path(), { "info", out });
-        QVERIFY(info.out.contains("\"width\":20"));
+        QCOMPARE(QJsonDocument::fromJson(info.out).object().value("width").toInt(), 20);
     }
 
     void anUncaughtExceptionFailsTheRun()

@@ -12,6 +12,7 @@
 #include "gui/app/outputpage.h"
 #include "gui/script/scripteditor.h"
 #include "gui/script/scriptspanel.h"
+#include "gui/tables/textspanel.h"
 #include "scriptedwindow.h"
 
 class TestScriptsPanel : public QObject {

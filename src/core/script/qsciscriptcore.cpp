@@ -171,7 +171,10 @@ bool QSciScriptCore::start(const QString& text)
     }
     m_script = text;
     emit scriptHistoryBegin(tr("Script execution"));
-    return true;
+    // Stopped before it began: the transaction may never come (the window is closing).
+    if (m_stop)
+        continueExec();
+    return !m_ended;
 }
 
 void QSciScriptCore::continueExec()
@@ -207,6 +210,7 @@ void QSciScriptCore::endRun(bool threw)
     // The script's items say "commit" as the engine lets go of them.
     delete scriptEngine;
     scriptEngine = nullptr;
+    m_ended = true;
     emit finished();
 }
 

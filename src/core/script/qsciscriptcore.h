@@ -51,7 +51,8 @@ public:
 
     /**
      * The start step: makes the engine and asks the host to begin the history transaction; the script then runs
-     * in continueExec(). False when the run ended at once: an empty text, or one that cannot be evaluated.
+     * in continueExec(). False when the run ended at once: an empty text, one that cannot be evaluated, or a
+     * stop requested before.
      */
     bool start(const QString& text);
     /** Script side: waits until the host has done the last command. False when a stop cut the wait short. */
@@ -98,6 +99,7 @@ private:
     std::atomic<char> m_done { 0 };
     std::atomic<bool> m_stop { false };
     bool m_failed = false;
+    bool m_ended = false;
     QString m_script;
     QString m_uncaught;
 };

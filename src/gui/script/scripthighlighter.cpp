@@ -2,7 +2,7 @@
 
 namespace {
 
-QTextCharFormat format(const QColor& color, bool bold = false, bool italic = false)
+QTextCharFormat charFormat(const QColor& color, bool bold = false, bool italic = false)
 {
     QTextCharFormat f;
     f.setForeground(color);
@@ -16,19 +16,19 @@ QTextCharFormat format(const QColor& color, bool bold = false, bool italic = fal
 
 ScriptHighlighter::ScriptHighlighter(QTextDocument* document)
     : QSyntaxHighlighter(document)
-    , m_comment(format(QColor(0x60, 0x80, 0x60), false, true))
+    , m_comment(charFormat(QColor(0x60, 0x80, 0x60), false, true))
 {
     const QString keywords = QStringLiteral(
         "break|case|catch|const|continue|debugger|default|delete|do|else|false|finally|for|function|if|in|"
         "instanceof|new|null|return|switch|this|throw|true|try|typeof|undefined|var|void|while|with");
     const QString api = QStringLiteral(
         "sciPrint|sciPrintText|qsciGetActiveImages|qsciGetAllImages|qsciGetImageByName|sciImage|args");
-    m_rules.append({ QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(keywords)), format(QColor(0x20, 0x20, 0xa0), true) });
-    m_rules.append({ QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(api)), format(QColor(0x90, 0x30, 0x90), true) });
+    m_rules.append({ QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(keywords)), charFormat(QColor(0x20, 0x20, 0xa0), true) });
+    m_rules.append({ QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(api)), charFormat(QColor(0x90, 0x30, 0x90), true) });
     m_rules.append({ QRegularExpression(QStringLiteral("\\b(0[xX][0-9a-fA-F]+|\\d+\\.?\\d*([eE][-+]?\\d+)?)\\b")),
-        format(QColor(0xa0, 0x50, 0x00)) });
+        charFormat(QColor(0xa0, 0x50, 0x00)) });
     m_rules.append({ QRegularExpression(QStringLiteral("\"(\\\\.|[^\"\\\\])*\"|'(\\\\.|[^'\\\\])*'")),
-        format(QColor(0x00, 0x80, 0x00)) });
+        charFormat(QColor(0x00, 0x80, 0x00)) });
 }
 
 void ScriptHighlighter::highlightBlock(const QString& text)

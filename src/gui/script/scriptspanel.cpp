@@ -15,6 +15,7 @@
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSaveFile>
@@ -111,7 +112,7 @@ ScriptsPanel::ScriptsPanel(DocumentsDock* dock, Project* project, TextsPanel* te
             if (!m_debugger || QThread::currentThread() != thread())
                 return;
             m_debugger->detach();
-            if (QWidget* window = m_debugger->standardWindow())
+            if (QMainWindow* window = m_debugger->standardWindow())
                 window->hide();
             m_debugger->deleteLater();
             m_debugger = nullptr;

@@ -61,6 +61,8 @@ private:
         if (!finished.wait(20000))
             qWarning("script did not finish");
         QCoreApplication::processEvents();
+        if (thread.failed())
+            qWarning("%s", qPrintable(m_host->errors.join(QLatin1Char('\n'))));
         return !thread.failed();
     }
 
@@ -141,10 +143,10 @@ private slots:
         const QString out = m_settings->filePath(QStringLiteral("out.img.velm"));
         QVERIFY(ItemFile::save(*source, in, QSciImage::AllParts, false, false, nullptr));
         QVERIFY(run(QStringLiteral("var i = new sciImage('x'); i.begin();\n"
-                                   "sciPrint(i.loadFromFile(args.in) + ' ' + i.getName());\n"
+                                   "sciPrint(i.loadFromFile(args.file) + ' ' + i.getName());\n"
                                    "sciPrint(i.saveToFile(args.out)); sciPrint(i.saveToFile(''));\n"
-                                   "sciPrint(i.loadFromFile(args.in + '.missing'));"),
-            { { QStringLiteral("in"), in }, { QStringLiteral("out"), out } }));
+                                   "sciPrint(i.loadFromFile(args.file + '.missing'));"),
+            { { QStringLiteral("file"), in }, { QStringLiteral("out"), out } }));
         QCOMPARE(m_host->output, QStringList({ "true spikes", "true", "false", "false" }));
         QCOMPARE(m_host->messages.value(0), QStringLiteral("Unable to save to file: EMPTY FILENAME"));
         QVERIFY(m_host->messages.value(1).startsWith(QStringLiteral("File does not exist: ")));
@@ -169,10 +171,10 @@ private slots:
         const int stepsBefore = history->undoNames().size();
 
         QVERIFY(run(QStringLiteral("for (var k = 0; k < 3; ++k) {\n"
-                                   "  var i = new sciImage('x'); i.begin(); i.loadFromFile(args.in);\n"
+                                   "  var i = new sciImage('x'); i.begin(); i.loadFromFile(args.file);\n"
                                    "  sciPrint(i.denoise(1) === '');\n"
                                    "}"),
-            { { QStringLiteral("in"), in } }));
+            { { QStringLiteral("file"), in } }));
         QCOMPARE(m_host->output, QStringList({ "true", "true", "true" }));
         QCOMPARE(history->undoNames().size(), stepsBefore + 1);
         QCOMPARE(history->undoNames().constLast(), QStringLiteral("Script execution"));
@@ -195,10 +197,10 @@ private slots:
         QVERIFY(ItemFile::save(*source, in, QSciImage::AllParts, false, false, nullptr));
         const QVector<double> before = source->zMatrix();
         const int stepsBefore = QSciHistoryManager::instance()->undoNames().size();
-        QVERIFY(!run(QStringLiteral("var i = new sciImage('x'); i.begin(); i.loadFromFile(args.in);\n"
+        QVERIFY(!run(QStringLiteral("var i = new sciImage('x'); i.begin(); i.loadFromFile(args.file);\n"
                                     "i.derivative({ mode: 'gradient', points: 1 }); i.mapZToImage();\n"
                                     "throw 'late';"),
-            { { QStringLiteral("in"), in } }));
+            { { QStringLiteral("file"), in } }));
         QCOMPARE(m_project->allItems(), QList<QSciImage*> { source });
         QCOMPARE(source->zMatrix(), before);
         QCOMPARE(QSciHistoryManager::instance()->undoNames().size(), stepsBefore);
