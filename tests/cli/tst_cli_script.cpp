@@ -32,8 +32,8 @@ private slots:
             "sciPrint(i.getName() + ' ' + args.tag);\n"
             "sciPrintText('saved ' + i.saveToFile(args.out), 'log');\n");
         const QString out = m_dir.filePath("copy.img.velm");
-        const CliResult r
-            = runCli(m_dir.path(), { "script", script, "--arg", "file=" + item, "--arg", "out=" + out, "--arg", "tag=a=b" });
+        const CliResult r = runCli(
+            m_dir.path(), { "script", script, "--arg", "file=" + item, "--arg", "out=" + out, "--arg", "tag=a=b" });
         QCOMPARE(r.exitCode, 0);
         QCOMPARE(r.out, QByteArray("blank a=b\nlog: saved true\n"));
         const CliResult info = runCli(m_dir.path(), { "info", out });
@@ -42,7 +42,8 @@ private slots:
 
     void anUncaughtExceptionFailsTheRun()
     {
-        const CliResult r = runCli(m_dir.path(), { "script", write("throw.js", "sciPrint('before');\nthrow 'oops';\n") });
+        const CliResult r
+            = runCli(m_dir.path(), { "script", write("throw.js", "sciPrint('before');\nthrow 'oops';\n") });
         QCOMPARE(r.exitCode, 1);
         QCOMPARE(r.out, QByteArray("before\n"));
         QCOMPARE(r.err, QByteArray("Script threw an uncaught exception: oops (line 2)\n"));

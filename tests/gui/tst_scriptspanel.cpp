@@ -25,10 +25,7 @@ private:
         QVERIFY2(button && button->isEnabled(), name);
         button->click();
     }
-    QString output() const
-    {
-        return m_window->findChild<OutputPage*>()->textEdit()->toPlainText();
-    }
+    QString output() const { return m_window->findChild<OutputPage*>()->textEdit()->toPlainText(); }
 
     std::unique_ptr<ScopedSettings> m_settings;
     std::unique_ptr<ScriptedWindow> m_window;
@@ -49,8 +46,8 @@ private slots:
     void runWritesToTheOutputPagesAndReportsFailures()
     {
         ScriptsPanel* panel = m_window->scriptsPanel();
-        panel->currentEditor()->setPlainText(
-            "var i = new sciImage('x'); i.begin();\nsciPrint('made ' + i.getName());\nsciPrintText('a line', 'notes');");
+        panel->currentEditor()->setPlainText("var i = new sciImage('x'); i.begin();\nsciPrint('made ' + "
+                                             "i.getName());\nsciPrintText('a line', 'notes');");
         click("pbCompileAndRun");
         QTRY_VERIFY(!panel->isRunning());
         QVERIFY(output().contains("made New item"));

@@ -46,8 +46,7 @@ public:
     /** The engine of the run in progress, or nullptr. */
     static QScriptEngine* engine();
     /** Called on the run's thread just after its engine is made and just before it goes (the window's debugger). */
-    static void setEngineHooks(
-        std::function<void(QScriptEngine*)> made, std::function<void(QScriptEngine*)> ending);
+    static void setEngineHooks(std::function<void(QScriptEngine*)> made, std::function<void(QScriptEngine*)> ending);
 
     /**
      * The start step: makes the engine and asks the host to begin the history transaction; the script then runs

@@ -24,10 +24,12 @@ bool parseDerivative(const QStringList& params, DerivativeOptions* o, QString* m
         const QString key = param.section(QLatin1Char('='), 0, 0);
         const QString value = param.section(QLatin1Char('='), 1);
         bool number = true;
-        if (key == QLatin1String("mode") && (value == QLatin1String("gradient") || value == QLatin1String("directional")))
+        if (key == QLatin1String("mode")
+            && (value == QLatin1String("gradient") || value == QLatin1String("directional")))
             o->mode = value == QLatin1String("gradient") ? DerivativeOptions::Mode::Gradient
                                                          : DerivativeOptions::Mode::Directional;
-        else if (key == QLatin1String("border") && (value == QLatin1String("replicate") || value == QLatin1String("wrap")))
+        else if (key == QLatin1String("border")
+            && (value == QLatin1String("replicate") || value == QLatin1String("wrap")))
             o->border = value == QLatin1String("wrap") ? DerivativeOptions::Border::Wrap
                                                        : DerivativeOptions::Border::Replicate;
         else if (key == QLatin1String("direction")

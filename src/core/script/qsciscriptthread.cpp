@@ -35,7 +35,8 @@ void QSciScriptThread::run()
 {
     auto* core = new QSciScriptCore(this, m_host, m_args);
     // The run ends its own event loop; a cooperative end leaves no lock or transaction behind.
-    connect(core, &QSciScriptCore::finished, core, [this] { quit(); }, Qt::DirectConnection);
+    connect(
+        core, &QSciScriptCore::finished, core, [this] { quit(); }, Qt::DirectConnection);
     {
         QMutexLocker lock(&m_coreMutex);
         m_core = core;

@@ -21,10 +21,12 @@ ScriptHighlighter::ScriptHighlighter(QTextDocument* document)
     const QString keywords = QStringLiteral(
         "break|case|catch|const|continue|debugger|default|delete|do|else|false|finally|for|function|if|in|"
         "instanceof|new|null|return|switch|this|throw|true|try|typeof|undefined|var|void|while|with");
-    const QString api = QStringLiteral(
-        "sciPrint|sciPrintText|qsciGetActiveImages|qsciGetAllImages|qsciGetImageByName|sciImage|args");
-    m_rules.append({ QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(keywords)), charFormat(QColor(0x20, 0x20, 0xa0), true) });
-    m_rules.append({ QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(api)), charFormat(QColor(0x90, 0x30, 0x90), true) });
+    const QString api
+        = QStringLiteral("sciPrint|sciPrintText|qsciGetActiveImages|qsciGetAllImages|qsciGetImageByName|sciImage|args");
+    m_rules.append(
+        { QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(keywords)), charFormat(QColor(0x20, 0x20, 0xa0), true) });
+    m_rules.append(
+        { QRegularExpression(QStringLiteral("\\b(%1)\\b").arg(api)), charFormat(QColor(0x90, 0x30, 0x90), true) });
     m_rules.append({ QRegularExpression(QStringLiteral("\\b(0[xX][0-9a-fA-F]+|\\d+\\.?\\d*([eE][-+]?\\d+)?)\\b")),
         charFormat(QColor(0xa0, 0x50, 0x00)) });
     m_rules.append({ QRegularExpression(QStringLiteral("\"(\\\\.|[^\"\\\\])*\"|'(\\\\.|[^'\\\\])*'")),

@@ -95,7 +95,8 @@ private slots:
                                    "sciPrint(qsciGetAllImages().length + ',' + qsciGetActiveImages().length);\n"
                                    "sciPrint(qsciGetImageByName('spikes') === null);\n"
                                    "try { qsciGetImageByName(''); } catch (e) { sciPrint(e); }"),
-            { { QStringLiteral("file"), QStringLiteral("a.img.velm") }, { QStringLiteral("n"), QStringLiteral("3") } }));
+            { { QStringLiteral("file"), QStringLiteral("a.img.velm") },
+                { QStringLiteral("n"), QStringLiteral("3") } }));
         QCOMPARE(m_host->output,
             QStringList({ "one", "log: two", "a.img.velm/3", "0,0", "true", "qsciGetImageByName: No name given!" }));
     }
@@ -111,7 +112,8 @@ private slots:
         QTest::newRow("uncaught guard") << "var i = new sciImage('x');\ni.mapZToImage();"
                                         << "Script threw an uncaught exception: Missing call to begin() before "
                                            "modifying image (line 2)";
-        QTest::newRow("not evaluable") << "function f() {" << "This script can not be evaluated!";
+        QTest::newRow("not evaluable") << "function f() {"
+                                       << "This script can not be evaluated!";
     }
 
     void uncaughtExceptionsAreReportedWithTheirLine()
@@ -124,13 +126,12 @@ private slots:
 
     void guardsThrowCatchablyUntilBegin()
     {
-        QVERIFY(run(QStringLiteral(
-            "var i = new sciImage('x');\n"
-            "try { i.mapImageToZ(); } catch (e) { sciPrint('E: ' + e); }\n"
-            "try { i.getName(); } catch (e) { sciPrint('M: ' + e); }\n"
-            "i.beginMeta(); sciPrint(i.getName()); i.select(); sciPrint(i.isSelected());\n"
-            "try { i.saveToFile('x'); } catch (e) { sciPrint('still E'); }\n"
-            "i.end(); try { i.isSelected(); } catch (e) { sciPrint('ended'); }")));
+        QVERIFY(run(QStringLiteral("var i = new sciImage('x');\n"
+                                   "try { i.mapImageToZ(); } catch (e) { sciPrint('E: ' + e); }\n"
+                                   "try { i.getName(); } catch (e) { sciPrint('M: ' + e); }\n"
+                                   "i.beginMeta(); sciPrint(i.getName()); i.select(); sciPrint(i.isSelected());\n"
+                                   "try { i.saveToFile('x'); } catch (e) { sciPrint('still E'); }\n"
+                                   "i.end(); try { i.isSelected(); } catch (e) { sciPrint('ended'); }")));
         QCOMPARE(m_host->output,
             QStringList({ "E: Missing call to begin() before modifying image",
                 "M: Missing call to begin() before modifying image", "New item", "true", "still E", "ended" }));
