@@ -1,6 +1,8 @@
 #include "../support/scopedsettings.h"
 
 #include <QElapsedTimer>
+#include <QFile>
+#include <QTabWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTextEdit>
@@ -88,6 +90,24 @@ private slots:
         QVERIFY(!QSciHistoryManager::instance()->inTransaction());
         QVERIFY(!m_window->project()->allItems().first()->isInEditMode());
         QVERIFY(m_window->findChild<QPushButton*>("pbCompileAndRun")->isEnabled());
+    }
+
+    void scriptFilesRoundTripWithTheirName()
+    {
+        ScriptsPanel* panel = m_window->scriptsPanel();
+        const QString text = "// \u00e9t\u00e9\nsciPrint('a');\n";
+        panel->currentEditor()->setPlainText(text);
+        const QString path = m_settings->filePath("saved");
+        panel->chooseFile = [path](bool, const QString&, const QString&, const QString&) { return path; };
+        click("pbSaveScriptAs");
+        QVERIFY(QFile::exists(path + ".js"));
+        QString message;
+        QVERIFY(!panel->openScript(path + ".missing", &message));
+        QVERIFY(message.startsWith("File does not exist: "));
+        QVERIFY(panel->openScript(path + ".js", &message));
+        QCOMPARE(panel->currentEditor()->toPlainText(), text);
+        auto* tabs = m_window->findChild<QTabWidget*>("twScripts");
+        QCOMPARE(tabs->tabText(tabs->currentIndex()), QStringLiteral("saved.js"));
     }
 
     void closingTheWindowEndsARun()

@@ -12,7 +12,6 @@ QSciScriptThread::QSciScriptThread(
     , m_host(host)
     , m_args(args)
 {
-    Q_UNUSED(m_flag)
     connect(this, &QThread::started, host, &QSciScriptHost::setScriptRunning);
     connect(this, &QThread::finished, host, &QSciScriptHost::setScriptStopped);
 }

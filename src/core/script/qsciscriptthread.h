@@ -32,8 +32,6 @@ protected:
 
 private:
     QString m_script;
-    QString m_outputText;
-    char m_flag = 1;
     QSciScriptHost* m_host;
     QMap<QString, QString> m_args;
     QMutex m_coreMutex;

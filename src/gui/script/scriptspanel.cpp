@@ -106,6 +106,7 @@ ScriptsPanel::ScriptsPanel(DocumentsDock* dock, Project* project, TextsPanel* te
                 return;
             m_debugger = new QScriptEngineDebugger(this);
             m_debugger->attachTo(engine);
+            m_debugger->standardWindow()->resize(1000, 700);
             m_debugger->action(QScriptEngineDebugger::InterruptAction)->trigger();
         },
         [this](QScriptEngine*) {
