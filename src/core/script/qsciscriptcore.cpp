@@ -67,7 +67,8 @@ QScriptValue constructImage(QScriptContext* context, QScriptEngine* engine)
         delete image;
         return context->throwValue(QScriptValue(QSciScriptCore::tr("The item could not be made.")));
     }
-    return engine->newQObject(image, QScriptEngine::ScriptOwnership);
+    return engine->newQObject(image, QScriptEngine::ScriptOwnership,
+        QScriptEngine::ExcludeSuperClassContents | QScriptEngine::ExcludeDeleteLater);
 }
 
 void registerFunction(QScriptEngine* engine, const char* name, QScriptEngine::FunctionSignature function)

@@ -71,11 +71,16 @@ private:
     std::unique_ptr<RecordingHost> m_host;
 
 private slots:
-    void initTestCase() { ScriptLog::setQuiet(true); }
+    void initTestCase()
+    {
+        ScriptLog::setQuiet(true);
+        m_settings = std::make_unique<ScopedSettings>();
+    }
+
+    void cleanupTestCase() { m_settings.reset(); }
 
     void init()
     {
-        m_settings = std::make_unique<ScopedSettings>();
         m_project = std::make_unique<Project>();
         m_project->addTab();
         m_host = std::make_unique<RecordingHost>(m_project.get());
@@ -85,7 +90,7 @@ private slots:
     {
         m_host.reset();
         m_project.reset();
-        m_settings.reset();
+        QSciHistoryManager::instance()->forget();
     }
 
     void printsInOrderWithArgsAndPlaceholderLookups()
@@ -99,6 +104,17 @@ private slots:
                 { QStringLiteral("n"), QStringLiteral("3") } }));
         QCOMPARE(m_host->output,
             QStringList({ "one", "log: two", "a.img.velm/3", "0,0", "true", "qsciGetImageByName: No name given!" }));
+    }
+
+    void anEmptyScriptRunsNothing()
+    {
+        const int steps = QSciHistoryManager::instance()->undoNames().size();
+        QVERIFY(run(QString()));
+        QVERIFY(m_host->output.isEmpty() && m_host->errors.isEmpty());
+        QCOMPARE(QSciHistoryManager::instance()->undoNames().size(), steps);
+        QVERIFY(
+            run(QStringLiteral("var i = new sciImage('x'); sciPrint(typeof i.deleteLater + typeof i.objectName);")));
+        QCOMPARE(m_host->output, QStringList { "undefinedundefined" });
     }
 
     void uncaughtExceptionsAreReportedWithTheirLine_data()
