@@ -59,6 +59,7 @@
 #include "undoredomenu.h"
 #include "gui/tables/tablespanel.h"
 #include "gui/tables/textspanel.h"
+#include "gui/script/scriptspanel.h"
 
 namespace {
 
@@ -181,6 +182,7 @@ MainWindow::MainWindow(QWidget* parent)
 MainWindow::~MainWindow()
 {
     BusyIndicator::install(nullptr);
+    m_scriptsPanel->shutdown();
     // The project goes first, while the pages and the list that show it can still let go of its items.
     delete m_project;
     m_project = nullptr;
@@ -235,6 +237,8 @@ void MainWindow::buildForm()
     m_textsPanel = new TextsPanel(m_documentsDock);
     connect(m_tablesPanel, &TablesPanel::documentsChanged, this, [this] { m_project->setModified(true); });
     connect(m_textsPanel, &TextsPanel::documentsChanged, this, [this] { m_project->setModified(true); });
+    m_scriptsPanel = new ScriptsPanel(m_documentsDock, m_project, m_textsPanel);
+    m_scriptsPanel->setMessageHandler([this](const QString& title, const QString& text) { showMessage(title, text); });
 
     m_statusLabel = new QLabel(this);
     m_statusLabel->setObjectName(QStringLiteral("lbStatus"));

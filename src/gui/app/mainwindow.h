@@ -37,6 +37,7 @@ class QListWidgetItem;
 class QPrinter;
 class QSciImage;
 class QTimer;
+class ScriptsPanel;
 class ToolBox;
 class ToolMouseSink;
 class ToolsDock;
@@ -83,6 +84,7 @@ public:
     ToolBox* toolBox() const { return m_toolBox; }
     TablesPanel* tablesPanel() const { return m_tablesPanel; }
     TextsPanel* textsPanel() const { return m_textsPanel; }
+    ScriptsPanel* scriptsPanel() const { return m_scriptsPanel; }
     /** Opens instrument, picture, raw and ASCII files, with the dialogs that ask about them. */
     FileImport* fileImport() const { return m_fileImport; }
 
@@ -284,6 +286,7 @@ private:
     DocumentsDock* m_documentsDock = nullptr;
     TablesPanel* m_tablesPanel = nullptr;
     TextsPanel* m_textsPanel = nullptr;
+    ScriptsPanel* m_scriptsPanel = nullptr;
     ItemContextMenu* m_contextMenu = nullptr;
     UndoRedoMenu* m_undoRedoMenu = nullptr;
     FormNewImage* m_formNewImage = nullptr;
