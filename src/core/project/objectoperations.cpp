@@ -26,7 +26,8 @@ QString headerValue(const QSciImage& item, const QString& key)
 QString ObjectOperations::foundText(const QList<int>& counts)
 {
     if (counts.size() == 1)
-        return QCoreApplication::translate("ObjectOperations", "%n object(s) found", nullptr, counts.first());
+        return counts.first() == 1 ? QCoreApplication::translate("ObjectOperations", "1 object found")
+                                   : QCoreApplication::translate("ObjectOperations", "%1 objects found").arg(counts.first());
     QStringList parts;
     for (int n : counts)
         parts << QString::number(n);

@@ -6,7 +6,9 @@
 #include "core/processing/qscidenoise.h"
 #include "core/processing/qsciderivative.h"
 #include "core/project/collectiontab.h"
+#include "core/analysis/objectrecognitionoptions.h"
 #include "core/project/effectoperations.h"
+#include "core/project/objectoperations.h"
 #include "core/project/itemarrangement.h"
 #include "core/project/itemoperations.h"
 #include "core/project/operationscope.h"
@@ -142,9 +144,13 @@ void QSciScriptHost::setScriptStopped()
 
 int QSciScriptHost::objectRecognition(QSciImage& item, QString* message)
 {
-    Q_UNUSED(item)
-    *message = tr("objectRecognition: object recognition is not available yet");
-    return -1;
+    // A script searches with the options the dialog last kept, as the first item of a series of one.
+    ObjectRecognitionOptions options;
+    options.readSettings();
+    return ObjectOperations::recognise(*m_project, { &item }, options, 0, nullptr, message)
+            == ObjectOperations::Outcome::Applied
+        ? 1
+        : 0;
 }
 
 void QSciScriptHost::workImage(const QString& command, QSciImage* img, const QStringList& params)

@@ -30,7 +30,7 @@ public:
     /**
      * The one place scripts reach object recognition: runs it on @p item with the recognition options as the
      * processing dialog stored them, as the first item of a series (no previous objects, no reference object).
-     * Returns 1 when done, 0 when stopped with @p message, -1 (with @p message) where it is not available.
+     * Returns 1 when done, 0 when stopped or refused, with @p message either way.
      */
     virtual int objectRecognition(QSciImage& item, QString* message);
 
