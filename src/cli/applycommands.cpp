@@ -3,6 +3,7 @@
 #include "cliitems.h"
 #include "cliprogress.h"
 #include "effectcommands.h"
+#include "toolcommands.h"
 
 #include "core/display/colorgradient.h"
 #include "core/history/qscihistorymanager.h"
@@ -131,7 +132,7 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("mask-rect"), maskRect },
         { QStringLiteral("set-gradient"), setGradient },
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
-    } + EffectCommands::operations();
+    } + EffectCommands::operations() + ToolCommands::operations();
     return list;
 }
 
@@ -175,7 +176,7 @@ const CliCommandRegistration registration({ { QStringLiteral("apply"),
     QStringLiteral("apply FILE --out FILE OPERATION [OPTIONS]\n  operations: ") + operationList()
         + QStringLiteral("\n  recalibrate-z --multiply A --add B; mask-rect --rect L,T,W,H (rows from the top); "
                          "set-gradient --builtin N | --token TEXT\n  ")
-        + EffectCommands::usage(),
+        + EffectCommands::usage() + QStringLiteral("\n  ") + ToolCommands::usage(),
     QStringLiteral("one operation of the item context menu on an item file"), runApply, 30 } });
 
 } // namespace

@@ -210,6 +210,7 @@ private slots:
     void exportZMatrices();
     void exportMasks();
     void exportPictures();
+    void exportLatexCodes();
     void exportVisibleAreaPng();
     void exportVisibleAreaPdf();
     void exportVisibleAreaPostScript();
