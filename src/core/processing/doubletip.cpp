@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QRect>
+#include <QRect>
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -85,74 +86,60 @@ void DoubleTip::resolve(
 void DoubleTip::refine(const double* z, int width, int height, const QPoint& feature, const QPoint& ghost, double base,
     bool fixedRatio, QPoint* vector, double* ratio)
 {
-    // Judged on the marks' neighbourhood only, so that a large image costs no more than a small one. The walk
+    // Worked on the marks' neighbourhood only, so that a large image costs no more than a small one. The walk
     // starts further out: where it starts the ghost's source is unknown, and that error fades along the walk.
     const QPoint guess = ghost - feature;
     const int length = std::abs(guess.x()) + std::abs(guess.y()) + 4;
-    const QRect judged = QRect(feature, ghost).normalized().adjusted(-length, -length, length, length);
-    const QRect area = judged.adjusted(-3 * length, -3 * length, 3 * length, 3 * length) & QRect(0, 0, width, height);
-    const QRect inner = judged.translated(-area.topLeft()) & QRect(0, 0, area.width(), area.height());
+    const QRect area = QRect(feature, ghost).normalized().adjusted(-4 * length, -4 * length, 4 * length, 4 * length)
+        & QRect(0, 0, width, height);
     const int pw = area.width(), ph = area.height();
     std::vector<double> patch(std::size_t(pw) * ph), out(patch.size());
     for (int x = 0; x < pw; ++x)
         for (int y = 0; y < ph; ++y)
             patch[std::size_t(x) * ph + y] = z[qsizetype(area.left() + x) * height + area.top() + y];
-    // The clean surface is the plainest one: a ghost left over, or one removed too strongly, adds slopes of its
-    // own, so the vector whose best ratio leaves the least total variation wins.
-    const auto cost = [&](const QPoint& v, double r) {
-        resolve(patch.data(), out.data(), pw, ph, v, r, base);
-        double sum = 0;
-        for (int x = inner.left(); x <= inner.right(); ++x)
-            for (int y = inner.top(); y <= inner.bottom(); ++y) {
-                const double here = out[std::size_t(x) * ph + y];
-                const double right = x + 1 < pw ? out[std::size_t(x + 1) * ph + y] : here;
-                const double up = y + 1 < ph ? out[std::size_t(x) * ph + y + 1] : here;
-                const double step = std::abs(right - here) + std::abs(up - here);
-                if (std::isfinite(step))
-                    sum += step;
-            }
-        return sum;
-    };
-    const auto bestRatio = [&](const QPoint& v, double* best) {
-        if (fixedRatio)
-            return cost(v, *best);
-        double lo = 0, hi = 0.95;
-        const double golden = (std::sqrt(5.0) - 1) / 2;
-        double a = hi - golden * (hi - lo), b = lo + golden * (hi - lo);
-        double ca = cost(v, a), cb = cost(v, b);
-        for (int i = 0; i < 20; ++i) {
-            if (ca <= cb) {
-                hi = b, b = a, cb = ca;
-                a = hi - golden * (hi - lo);
-                ca = cost(v, a);
-            } else {
-                lo = a, a = b, ca = cb;
-                b = lo + golden * (hi - lo);
-                cb = cost(v, b);
-            }
-        }
-        *best = (lo + hi) / 2;
-        return cost(v, *best);
-    };
-    double bestCost = HUGE_VAL;
-    for (int dx = -2; dx <= 2; ++dx)
-        for (int dy = -2; dy <= 2; ++dy) {
-            const QPoint v = guess + QPoint(dx, dy);
+    const QPoint f = feature - area.topLeft();
+
+    // A ghost removed with a vector a point off leaves the feature's outline behind as a dipole, and a wrong
+    // vector altogether leaves a train of alternating copies; the right one leaves the features alone. So
+    // each candidate is resolved (with the ratio its apexes give) and the one that leaves the fewest points
+    // clearly off the base level around the marks wins. Slopes and flanks weigh the same for every candidate,
+    // unlike in smoothness measures, which a ghost on its feature's flank deceives.
+    double peak = 0;
+    if (f.x() >= 0 && f.y() >= 0 && f.x() < pw && f.y() < ph)
+        peak = patch[std::size_t(f.x()) * ph + f.y()] - base;
+    // A tenth of the ghost's height: the outline a point's error leaves stands out more, the slight excess of
+    // an estimated ratio less.
+    const double threshold = 0.1 * std::max(*ratio, 0.05) * std::abs(peak);
+    const QRect judged
+        = QRect(feature, ghost).normalized().adjusted(-length, -length, length, length).translated(-area.topLeft())
+        & QRect(0, 0, pw, ph);
+    double best = HUGE_VAL;
+    double bestRatio = *ratio;
+    for (int cx = -2; cx <= 2; ++cx)
+        for (int cy = -2; cy <= 2; ++cy) {
+            const QPoint v = guess + QPoint(cx, cy);
             if (v.isNull())
                 continue;
-            double r = *ratio;
-            const double c = bestRatio(v, &r);
-            if (c < bestCost) {
-                bestCost = c;
+            const double r = fixedRatio ? *ratio : estimateRatio(z, width, height, feature, feature + v, base);
+            resolve(patch.data(), out.data(), pw, ph, v, r, base);
+            double count = 0, excess = 0;
+            for (int x = judged.left(); x <= judged.right(); ++x)
+                for (int y = judged.top(); y <= judged.bottom(); ++y) {
+                    const double off = std::abs(out[std::size_t(x) * ph + y] - base);
+                    if (std::isfinite(off) && off > threshold) {
+                        ++count;
+                        excess += off - threshold;
+                    }
+                }
+            // The count decides; how far the points stand out only breaks ties.
+            const double cost = count + excess / (1 + excess);
+            if (cost < best) {
+                best = cost;
                 *vector = v;
+                bestRatio = r;
             }
         }
-    if (fixedRatio)
-        return;
-    // Total variation finds the vector but not the ratio: where a ghost sits on its feature's flank, a little of
-    // it cancels the flank's slope. The heights at the two apexes are the better guide; the flank under the
-    // ghost makes them err a little on the strong side.
-    *ratio = estimateRatio(z, width, height, feature, feature + *vector, base);
+    *ratio = bestRatio;
 }
 
 QVector<double> DoubleTip::resolved(const QSciImage& item, const QPoint& feature, const QPoint& ghost, double ratio,

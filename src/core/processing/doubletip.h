@@ -36,9 +36,9 @@ public:
         const double* z, double* out, int width, int height, const QPoint& ghost, double ratio, double base);
     /**
      * Improves the vector from @p feature to @p ghost (apexes, z-matrix coordinates) within two points each way:
-     * the one whose result around the marks has the least total variation. A ghost that overlaps its feature
-     * shifts the apex a click finds, hence the search. Unless @p fixedRatio, @p ratio is then estimated anew
-     * from the heights at the two ends of the vector.
+     * the one whose result leaves the fewest points around the marks clearly off the base level. A ghost that
+     * overlaps its feature moves the apex a click finds, hence the search. Unless @p fixedRatio, @p ratio is estimated
+     * from the heights at the two ends of each candidate.
      */
     static void refine(const double* z, int width, int height, const QPoint& feature, const QPoint& ghost, double base,
         bool fixedRatio, QPoint* vector, double* ratio);

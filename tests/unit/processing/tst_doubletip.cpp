@@ -21,15 +21,25 @@ double clean(int x, int y)
     return z;
 }
 
-/** The clean surface plus its copy shifted by @p v and scaled by @p ratio: what a tip with two apexes records. */
-QSciImage* doubled(const QPoint& v, double ratio)
+/** Measurement noise of about @p amplitude, the same on every run. */
+double noise(int x, int y, double amplitude)
+{
+    const unsigned hash = (unsigned(x) * 73856093u) ^ (unsigned(y) * 19349663u);
+    return amplitude * (double((hash * 2654435761u) >> 8 & 0xFFFF) / 0xFFFF - 0.5);
+}
+
+/**
+ * The clean surface plus its copy shifted by @p v and scaled by @p ratio, what a tip with two apexes records,
+ * and noise of @p amplitude.
+ */
+QSciImage* doubled(const QPoint& v, double ratio, double amplitude = 0)
 {
     auto* item = new QSciImage(W, H, Qt::white);
     for (int x = 0; x < W; ++x)
         for (int y = 0; y < H; ++y) {
             const int sx = x - v.x(), sy = y - v.y();
             const bool inside = sx >= 0 && sy >= 0 && sx < W && sy < H;
-            item->setZ(x, y, clean(x, y) + (inside ? ratio * clean(sx, sy) : 0));
+            item->setZ(x, y, clean(x, y) + (inside ? ratio * clean(sx, sy) : 0) + noise(x, y, amplitude));
         }
     return item;
 }
@@ -54,10 +64,12 @@ private slots:
         QTest::addColumn<QPoint>("vector");
         QTest::addColumn<double>("ratio");
         QTest::addColumn<bool>("estimate");
-        QTest::newRow("right and up, estimated") << QPoint(7, 5) << 0.4 << true;
-        QTest::newRow("left and down, estimated") << QPoint(-6, -4) << 0.6 << true;
-        QTest::newRow("left and up, given") << QPoint(-9, 3) << 0.3 << false;
-        QTest::newRow("straight up, estimated") << QPoint(0, 8) << 0.5 << true;
+        QTest::addColumn<double>("noise");
+        QTest::newRow("right and up, estimated") << QPoint(7, 5) << 0.4 << true << 0.0;
+        QTest::newRow("left and down, estimated") << QPoint(-6, -4) << 0.6 << true << 0.0;
+        QTest::newRow("left and up, given") << QPoint(-9, 3) << 0.3 << false << 0.0;
+        QTest::newRow("straight up, estimated") << QPoint(0, 8) << 0.5 << true << 0.0;
+        QTest::newRow("noisy, estimated") << QPoint(-5, -7) << 0.45 << true << 0.2;
     }
 
     void restoresTheCleanSurfaceFromItsMarks()
@@ -65,7 +77,8 @@ private slots:
         QFETCH(QPoint, vector);
         QFETCH(double, ratio);
         QFETCH(bool, estimate);
-        std::unique_ptr<QSciImage> item(doubled(vector, ratio));
+        QFETCH(double, noise);
+        std::unique_ptr<QSciImage> item(doubled(vector, ratio, noise));
         // Clicks a point or two beside the apexes, as a hand places them.
         const QPoint feature(21, 19), ghost = QPoint(20, 20) + vector + QPoint(-1, 1);
         double used = -1;
@@ -76,7 +89,7 @@ private slots:
         // The flank of the feature under an overlapping ghost makes the estimate a little strong.
         QVERIFY2(used >= ratio - 0.01 && used < ratio + 0.05, qPrintable(QString::number(used)));
         const double range = 10;
-        QVERIFY2(worstError(out) < 0.05 * range, qPrintable(QString::number(worstError(out))));
+        QVERIFY2(worstError(out) < 0.05 * range + noise, qPrintable(QString::number(worstError(out))));
         // Without the removal the ghost stands out far beyond that.
         QVERIFY(worstError(item->zMatrix()) > 0.2 * range);
     }
