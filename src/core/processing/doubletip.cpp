@@ -83,13 +83,14 @@ void DoubleTip::resolve(
     }
 }
 
-void DoubleTip::refine(const double* z, int width, int height, const QPoint& feature, const QPoint& ghost, double base,
-    bool fixedRatio, QPoint* vector, double* ratio)
+void DoubleTip::refine(const double* z, int width, int height, const QPoint& feature, const QPoint& ghost,
+    const QPoint& clicked, double base, bool fixedRatio, QPoint* vector, double* ratio)
 {
     // Worked on the marks' neighbourhood only, so that a large image costs no more than a small one. The walk
     // starts further out: where it starts the ghost's source is unknown, and that error fades along the walk.
     const QPoint guess = ghost - feature;
-    const int length = std::abs(guess.x()) + std::abs(guess.y()) + 4;
+    const int length
+        = std::max(std::abs(guess.x()) + std::abs(guess.y()), std::abs(clicked.x()) + std::abs(clicked.y())) + 4;
     const QRect area = QRect(feature, ghost).normalized().adjusted(-4 * length, -4 * length, 4 * length, 4 * length)
         & QRect(0, 0, width, height);
     const int pw = area.width(), ph = area.height();
@@ -101,7 +102,7 @@ void DoubleTip::refine(const double* z, int width, int height, const QPoint& fea
 
     // A ghost removed with a vector a point off leaves the feature's outline behind as a dipole, and a wrong
     // vector altogether leaves a train of alternating copies; the right one leaves the features alone. So
-    // each candidate is resolved (with the ratio its apexes give) and the one that leaves the fewest points
+    // each candidate is resolved (with its own ratio) and the one that leaves the fewest points
     // clearly off the base level around the marks wins. Slopes and flanks weigh the same for every candidate,
     // unlike in smoothness measures, which a ghost on its feature's flank deceives.
     double peak = 0;
@@ -113,32 +114,58 @@ void DoubleTip::refine(const double* z, int width, int height, const QPoint& fea
     const QRect judged
         = QRect(feature, ghost).normalized().adjusted(-length, -length, length, length).translated(-area.topLeft())
         & QRect(0, 0, pw, ph);
+    const auto cost = [&](const QPoint& v, double r) {
+        resolve(patch.data(), out.data(), pw, ph, v, r, base);
+        double count = 0, excess = 0;
+        for (int x = judged.left(); x <= judged.right(); ++x)
+            for (int y = judged.top(); y <= judged.bottom(); ++y) {
+                const double off = std::abs(out[std::size_t(x) * ph + y] - base);
+                if (std::isfinite(off) && off > threshold) {
+                    ++count;
+                    excess += off - threshold;
+                }
+            }
+        // The count decides; how far the points stand out only breaks ties.
+        return count + excess / (1 + excess);
+    };
+    const auto value = [&](const std::vector<double>& m, const QPoint& p) {
+        return p.x() >= 0 && p.y() >= 0 && p.x() < pw && p.y() < ph ? m[std::size_t(p.x()) * ph + p.y()] : base;
+    };
+    // The ghost stands on the feature's flank, which the apexes' heights would count as ghost. A round feature's
+    // flank is as high on the far side, one vector back from the feature, where the resolved surface shows it.
+    const auto ratioFor = [&](const QPoint& v) {
+        double r = estimateRatio(z, width, height, feature, feature + v, base);
+        for (int round = 0; round < 4 && r > 0; ++round) {
+            resolve(patch.data(), out.data(), pw, ph, v, r, base);
+            const double height = value(out, f) - base;
+            const double flank = std::clamp(value(out, f - v) - base, 0.0, std::max(0.0, value(patch, f + v) - base));
+            if (!(height > 0))
+                break;
+            r = std::clamp((value(patch, f + v) - base - flank) / height, 0.0, 0.95);
+        }
+        return r;
+    };
+    // Near the apexes' vector and near the clicks' own: where a ghost merges with its feature, the apexes of the
+    // merged hill both lean inwards.
+    QList<QPoint> candidates;
+    for (const QPoint& centre : { guess, clicked })
+        for (int cx = -2; cx <= 2; ++cx)
+            for (int cy = -2; cy <= 2; ++cy) {
+                const QPoint v = centre + QPoint(cx, cy);
+                if (!v.isNull() && !candidates.contains(v))
+                    candidates.append(v);
+            }
     double best = HUGE_VAL;
     double bestRatio = *ratio;
-    for (int cx = -2; cx <= 2; ++cx)
-        for (int cy = -2; cy <= 2; ++cy) {
-            const QPoint v = guess + QPoint(cx, cy);
-            if (v.isNull())
-                continue;
-            const double r = fixedRatio ? *ratio : estimateRatio(z, width, height, feature, feature + v, base);
-            resolve(patch.data(), out.data(), pw, ph, v, r, base);
-            double count = 0, excess = 0;
-            for (int x = judged.left(); x <= judged.right(); ++x)
-                for (int y = judged.top(); y <= judged.bottom(); ++y) {
-                    const double off = std::abs(out[std::size_t(x) * ph + y] - base);
-                    if (std::isfinite(off) && off > threshold) {
-                        ++count;
-                        excess += off - threshold;
-                    }
-                }
-            // The count decides; how far the points stand out only breaks ties.
-            const double cost = count + excess / (1 + excess);
-            if (cost < best) {
-                best = cost;
-                *vector = v;
-                bestRatio = r;
-            }
+    for (const QPoint& v : qAsConst(candidates)) {
+        const double r = fixedRatio ? *ratio : ratioFor(v);
+        const double c = cost(v, r);
+        if (c < best) {
+            best = c;
+            *vector = v;
+            bestRatio = r;
         }
+    }
     *ratio = bestRatio;
 }
 
@@ -154,8 +181,8 @@ QVector<double> DoubleTip::resolved(const QSciImage& item, const QPoint& feature
     if (!fixedRatio)
         ratio = estimateRatio(z, w, h, f, g, base);
     // Without a feature above the base there is no ghost to look for.
-    if (!vector.isNull() && (fixedRatio || ratio > 0))
-        refine(z, w, h, f, g, base, fixedRatio, &vector, &ratio);
+    if (!(vector.isNull() && ghost == feature) && (fixedRatio || ratio > 0))
+        refine(z, w, h, f, g, ghost - feature, base, fixedRatio, &vector, &ratio);
     QVector<double> out(qsizetype(w) * h);
     resolve(z, out.data(), w, h, vector, ratio, base);
     if (usedRatio)

@@ -35,13 +35,14 @@ public:
     static void resolve(
         const double* z, double* out, int width, int height, const QPoint& ghost, double ratio, double base);
     /**
-     * Improves the vector from @p feature to @p ghost (apexes, z-matrix coordinates) within two points each way:
-     * the one whose result leaves the fewest points around the marks clearly off the base level. A ghost that
-     * overlaps its feature moves the apex a click finds, hence the search. Unless @p fixedRatio, @p ratio is estimated
-     * from the heights at the two ends of each candidate.
+     * Improves the vector from @p feature to @p ghost (apexes, z-matrix coordinates), searching two points each
+     * way around it and around @p clicked, the vector between the clicks themselves: the one whose result leaves
+     * the fewest points around the marks clearly off the base level. A ghost that overlaps its feature moves
+     * the apexes a click finds, hence the search. Unless @p fixedRatio, each candidate gets its own ratio, from
+     * the heights at its two ends less the feature's flank.
      */
-    static void refine(const double* z, int width, int height, const QPoint& feature, const QPoint& ghost, double base,
-        bool fixedRatio, QPoint* vector, double* ratio);
+    static void refine(const double* z, int width, int height, const QPoint& feature, const QPoint& ghost,
+        const QPoint& clicked, double base, bool fixedRatio, QPoint* vector, double* ratio);
     /**
      * The item's z-matrix resolved for the marks @p feature and @p ghost (z-matrix coordinates, snapped to the
      * apexes near them), with the ratio estimated from them when @p ratio is negative. @p usedRatio and

@@ -82,6 +82,11 @@ void QToolLatexText::onRendered(const QString& rendered, const QImage& image)
     if (rendered != formula())
         return; // a newer text is on its way
     m_image = image;
+    // Light ink needs a dark ground to be seen in the panel.
+    m_preview->setAutoFillBackground(true);
+    QPalette palette = m_preview->palette();
+    palette.setColor(QPalette::Window, leftColor().lightness() > 160 ? QColor(60, 60, 60) : QColor(Qt::white));
+    m_preview->setPalette(palette);
     m_preview->setPixmap(
         QPixmap::fromImage(image.width() > 240 ? image.scaledToWidth(240, Qt::SmoothTransformation) : image));
     m_status->setText(tr("Drag it onto an item; it is placed where the button is released."));
