@@ -65,7 +65,7 @@ int resolveDoubleTip(CliContext& ctx, CliArgs& args, Project& project, QSciImage
     QPoint vector;
     const QVector<double> z = DoubleTip::resolved(*item, stored(feature), stored(ghost), ratio, &used, &vector);
     ZEdit::apply(project, { item }, DoubleTip::operationText(), [&z](QSciImage& i) { (void)i.setZMatrix(z); });
-    ctx.out << QStringLiteral("ghost %1,%2 ratio %3").arg(vector.x()).arg(-vector.y()).arg(used, 0, 'g', 6) << Qt::endl;
+    ctx.out << QStringLiteral("ghost %1,%2 ratio %3").arg(vector.x()).arg(-vector.y()).arg(used, 0, 'g', 3) << Qt::endl;
     return CliSuccess;
 }
 
