@@ -1,7 +1,12 @@
 #include "../support/scopedsettings.h"
+#include "scriptedwindow.h"
 #include "toolbench.h"
 
+#include <QAction>
 #include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
@@ -344,6 +349,25 @@ private slots:
         QVERIFY(finished.wait(30000));
         QVERIFY(!finished.last().first().toBool());
         QVERIFY(tool->renderedImage().isNull());
+    }
+
+    void latexCodesExportWritesEachItemsTexts()
+    {
+        QTemporaryDir folder;
+        auto window = shownWindowWithoutDemo<ScriptedWindow>(QSize(800, 600));
+        auto* item = new QSciImage(4, 4, Qt::white);
+        item->setName(QStringLiteral("formulas"));
+        item->setTextLines({ QStringLiteral("$\\alpha$"), QStringLiteral("50% done") });
+        window->project()->currentTab()->addItem(item);
+        item->setSelected(true);
+        window->files << folder.path();
+        auto* action = window->findChild<QAction*>(QStringLiteral("actionLaTeX_Codes"));
+        QTRY_VERIFY(action && action->isEnabled());
+        action->trigger();
+        QVERIFY2(window->messages.isEmpty(), qPrintable(window->messages.join(QLatin1Char('\n'))));
+        QFile tex(QDir(folder.path()).filePath(QStringLiteral("formulas.tex")));
+        QVERIFY(tex.open(QIODevice::ReadOnly));
+        QCOMPARE(tex.readAll(), QByteArray("% formulas\n\\[ \\alpha \\]\n50\\% done\n\n"));
     }
 };
 
