@@ -4,6 +4,7 @@
 #include "cliprogress.h"
 #include "effectcommands.h"
 #include "objectcommands.h"
+#include "toolcommands.h"
 
 #include "core/display/colorgradient.h"
 #include "core/history/qscihistorymanager.h"
@@ -132,7 +133,7 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("mask-rect"), maskRect },
         { QStringLiteral("set-gradient"), setGradient },
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
-    } + EffectCommands::operations() + ObjectCommands::operations();
+    } + EffectCommands::operations() + ObjectCommands::operations() + ToolCommands::operations();
     return list;
 }
 
@@ -177,7 +178,7 @@ const CliCommandRegistration registration({ { QStringLiteral("apply"),
         + QStringLiteral("\n  recalibrate-z --multiply A --add B; mask-rect --rect L,T,W,H (rows from the top); "
                          "set-gradient --builtin N | --token TEXT\n  ")
         + EffectCommands::usage() + QStringLiteral("\n  objects [") + ObjectCommands::optionUsage()
-        + QStringLiteral("]"),
+        + QStringLiteral("]\n  ") + ToolCommands::usage(),
     QStringLiteral("one operation of the item context menu on an item file"), runApply, 30 } });
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "../support/scopedsettings.h"
+#include "toolbench.h"
 #include <memory>
 
 #include <QComboBox>
@@ -33,118 +34,6 @@
 #include "gui/tools/qtoolselection.h"
 #include "gui/tools/toolbox.h"
 #include "gui/tools/tooloverlayitem.h"
-
-namespace {
-
-/** The mask as shown, top row first: '#' selected, '.' not. */
-QString shownMask(const QSciImage& item)
-{
-    QString text;
-    for (int row = 0; row < item.height(); ++row) {
-        if (row)
-            text += QLatin1Char('/');
-        for (int x = 0; x < item.width(); ++x)
-            text += item.isPixelSelected(x, item.height() - 1 - row) ? QLatin1Char('#') : QLatin1Char('.');
-    }
-    return text;
-}
-
-/** The viewport position of the centre of @p item's display point @p p. */
-QPoint viewAt(const CollectionTabPage* page, const QSciImage* item, const QPoint& p)
-{
-    return page->tabView()->mapFromScene(QPointF(item->left() + p.x() + 0.5, item->top() + p.y() + 0.5));
-}
-
-void mouse(CollectionTabPage* page, const QSciImage* item, QEvent::Type type, const QPoint& p, Qt::MouseButton button,
-    Qt::MouseButtons held)
-{
-    QWidget* viewport = page->tabView()->viewport();
-    const QPoint at = viewAt(page, item, p);
-    QMouseEvent event(type, at, viewport->mapToGlobal(at), button, held, Qt::NoModifier);
-    QApplication::sendEvent(viewport, &event);
-}
-
-/** Press, two moves and release with @p button held, from @p from to @p to of @p item. */
-void drag(CollectionTabPage* page, const QSciImage* item, const QPoint& from, const QPoint& to,
-    Qt::MouseButton button = Qt::LeftButton)
-{
-    mouse(page, item, QEvent::MouseButtonPress, from, button, button);
-    mouse(page, item, QEvent::MouseMove, (from + to) / 2, Qt::NoButton, button);
-    mouse(page, item, QEvent::MouseMove, to, Qt::NoButton, button);
-    mouse(page, item, QEvent::MouseButtonRelease, to, button, Qt::NoButton);
-}
-
-/** A project with one tab, an item of 8 x 5 points at (5, 3) on it, its page at 300 % and a tool box. */
-struct Bench {
-    Project project;
-    ToolsDock dock;
-    std::unique_ptr<ToolBox> box;
-    CollectionTab* tab;
-    QSciImage* item;
-    std::unique_ptr<CollectionTabPage> page;
-
-    Bench()
-    {
-        tab = project.addTab();
-        project.setCurrentIndex(0);
-        item = new QSciImage(8, 5, Qt::white);
-        item->setName(QStringLiteral("probe"));
-        item->setPosition(5, 3);
-        tab->addItem(item);
-        page = std::make_unique<CollectionTabPage>(tab);
-        page->resize(400, 300);
-        page->setZoomPercent(300);
-        page->show();
-        box = std::make_unique<ToolBox>(&dock);
-        box->setProject(&project);
-        box->attachPage(page.get());
-    }
-
-    void press(const QPoint& p, Qt::MouseButton button = Qt::LeftButton)
-    {
-        mouse(page.get(), item, QEvent::MouseButtonPress, p, button, button);
-    }
-    void move(const QPoint& p, Qt::MouseButton button = Qt::LeftButton)
-    {
-        mouse(page.get(), item, QEvent::MouseMove, p, Qt::NoButton, button);
-    }
-    void release(const QPoint& p, Qt::MouseButton button = Qt::LeftButton)
-    {
-        mouse(page.get(), item, QEvent::MouseButtonRelease, p, button, Qt::NoButton);
-    }
-    void drag(const QPoint& from, const QPoint& to) { ::drag(page.get(), item, from, to); }
-
-    QTool* use(const char* identifier)
-    {
-        box->setCurrentTool(QLatin1String(identifier));
-        return box->currentTool();
-    }
-
-    ToolOverlayItem* overlay() const
-    {
-        for (QGraphicsItem* candidate : page->scene()->items()) {
-            if (candidate->type() == ToolOverlayItem::Type)
-                return static_cast<ToolOverlayItem*>(candidate);
-        }
-        return nullptr;
-    }
-};
-
-template <typename T> T* child(const QWidget* parent, const char* name)
-{
-    T* found = parent->findChild<T*>(QLatin1String(name));
-    if (!found)
-        qWarning("no child %s", name);
-    return found;
-}
-
-QString lastUndoName()
-{
-    const QStringList names = QSciHistoryManager::instance()->undoNames();
-    return names.isEmpty() ? QString() : names.last();
-}
-
-} // namespace
 
 class TestTools : public QObject {
     Q_OBJECT

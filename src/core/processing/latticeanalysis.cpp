@@ -82,22 +82,30 @@ bool LatticeAnalysis::find(const QSciImage& item, Result* result, QString* messa
         const auto v = [&](int dx, int dy) { return c[qsizetype(x + dx) * h + y + dy]; };
         return QPointF(p.x + refine(v(-1, 0), v(0, 0), v(1, 0)), p.y + refine(v(0, -1), v(0, 0), v(0, 1)));
     };
+    const Result r = fromVectors(item, precise(a), precise(*b));
+    *result = r;
+    return true;
+}
+
+LatticeAnalysis::Result LatticeAnalysis::fromVectors(const QSciImage& item, const QPointF& a, const QPointF& b)
+{
     Result r;
-    r.a = precise(a);
-    r.b = precise(*b);
+    r.a = a;
+    r.b = b;
     const QSciImage::SciValues& s = item.sciValues();
     const double sx = s.xUnitPerPixel > 0 ? s.xUnitPerPixel : 1, sy = s.yUnitPerPixel > 0 ? s.yUnitPerPixel : 1;
     r.aPhysical = QPointF(r.a.x() * sx, r.a.y() * sy);
     r.bPhysical = QPointF(r.b.x() * sx, r.b.y() * sy);
     r.lengthA = std::hypot(r.aPhysical.x(), r.aPhysical.y());
     r.lengthB = std::hypot(r.bPhysical.x(), r.bPhysical.y());
-    r.angle = std::acos(std::clamp(
-                  (r.aPhysical.x() * r.bPhysical.x() + r.aPhysical.y() * r.bPhysical.y()) / (r.lengthA * r.lengthB),
-                  -1.0, 1.0))
-        * 180 / M_PI;
+    const double lengths = r.lengthA * r.lengthB;
+    r.angle = lengths > 0
+        ? std::acos(
+              std::clamp((r.aPhysical.x() * r.bPhysical.x() + r.aPhysical.y() * r.bPhysical.y()) / lengths, -1.0, 1.0))
+            * 180 / M_PI
+        : 0;
     r.unit = s.xUnit;
-    *result = r;
-    return true;
+    return r;
 }
 
 QString LatticeAnalysis::describe(const Result& r)

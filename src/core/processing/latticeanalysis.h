@@ -25,6 +25,8 @@ public:
 
     /** False with a message when the item shows no lattice (no two independent peaks). */
     [[nodiscard]] static bool find(const QSciImage& item, Result* result, QString* message = nullptr);
+    /** The lengths and angle of the lattice spanned by @p a and @p b (points, y up the rows) in @p item's units. */
+    static Result fromVectors(const QSciImage& item, const QPointF& a, const QPointF& b);
     /** The result as one line for the output page. */
     static QString describe(const Result& result);
 };

@@ -37,6 +37,11 @@ Convolution::Kernel discMean(double radius)
 
 } // namespace
 
+Convolution::Kernel QSciFilter::discMeanKernel(double radius)
+{
+    return discMean(radius);
+}
+
 QString QSciFilter::kindName(Kind kind)
 {
     switch (kind) {

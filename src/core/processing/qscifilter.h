@@ -41,6 +41,8 @@ public:
     /** Parses "a,b,c;d,e,f;g,h,i" (rows from the top, odd sizes up to 15 x 15); false when it is not such a kernel. */
     static bool parseKernel(const QString& text, Convolution::Kernel* kernel);
     static QString kernelText(const Convolution::Kernel& kernel);
+    /** The smoothing kernel: equal weights over the disc of @p radius points. */
+    static Convolution::Kernel discMeanKernel(double radius);
 
 private:
     bool compute(const EffectInput& input, double* out, ProgressSink* progress) const;

@@ -55,6 +55,8 @@ void CollectionTabView::mousePressEvent(QMouseEvent* event)
 {
     ImageGraphicsItem* under = imageAt(event->pos());
     QSciImage* item = under ? under->item() : nullptr;
+    if (m_sink)
+        m_sink->toolModifiersPressed(event->modifiers());
     if (m_sink && m_sink->toolMousePressed(m_page, item, pointIn(item, event->pos()), event->button())) {
         m_toolGesture = true;
         m_toolItem = item;

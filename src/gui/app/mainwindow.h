@@ -211,6 +211,7 @@ private slots:
     void exportZMatrices();
     void exportMasks();
     void exportPictures();
+    void exportLatexCodes();
     void exportVisibleAreaPng();
     void exportVisibleAreaPdf();
     void exportVisibleAreaPostScript();

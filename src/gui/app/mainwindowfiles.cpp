@@ -25,6 +25,7 @@
 #include "core/base/atomicfile.h"
 #include "core/history/qscihistorymanager.h"
 #include "core/items/itemfile.h"
+#include "core/items/latexcodes.h"
 #include "core/items/textmatrix.h"
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
@@ -94,6 +95,7 @@ void MainWindow::wireFileActions()
     m_actions->wire("action_reopen_last_project", this, &MainWindow::reopenLastProject);
     m_actions->wire("actionZ_Matrices", this, &MainWindow::exportZMatrices);
     m_actions->wire("actionMasks", this, &MainWindow::exportMasks);
+    m_actions->wire("actionLaTeX_Codes", this, &MainWindow::exportLatexCodes);
     m_actions->wire("actionPictures_without_display_elements", this, &MainWindow::exportPictures);
     for (const char* name : { "actionPictures_s", "actionPictures_with_display_elements" })
         m_actions->wire(name, this, [this] { exportItems(DecoratedPng); });
@@ -544,4 +546,28 @@ void MainWindow::printVisibleArea()
         return;
     QPainter painter(&printer);
     page->renderVisibleArea(&painter, QRectF(QPointF(), printer.pageRect(QPrinter::DevicePixel).size()));
+}
+
+void MainWindow::exportLatexCodes()
+{
+    QList<QSciImage*> items = selectedItems();
+    if (items.isEmpty() && currentItem())
+        items = { currentItem() };
+    if (items.isEmpty())
+        return;
+    const QString title = tr("LaTeX-Codes");
+    const QString folder = chooseOne(FileChoice::ChooseFolder, "exportPath", title, QString());
+    if (folder.isEmpty())
+        return;
+    QSet<QString> used;
+    QStringList failures;
+    for (const QSciImage* item : qAsConst(items)) {
+        const QString path = QDir(folder).filePath(
+            uniqueFileName(QDir(folder).absolutePath() + QLatin1Char('/'), item->name(), LatexCodes::suffix(), &used));
+        QString message;
+        if (!AtomicFile::write(path, LatexCodes::document(*item).toUtf8(), &message))
+            failures.append(message);
+    }
+    if (!failures.isEmpty())
+        showMessage(title, failures.join(QLatin1Char('\n')));
 }

@@ -169,6 +169,7 @@ void MainWindow::updateItemActions()
         { "actionZ_Matrices", "actionMasks", "actionPictures_without_display_elements", "actionPictures_s",
             "actionPictures_with_display_elements", "actionPdf_files", "actionPostscript_ps_files" })
         m_actions->get(name)->setEnabled(count > 0 || currentItem());
+    m_actions->get("actionLaTeX_Codes")->setEnabled(count > 0 || currentItem());
     m_actions->get("actionSave_items_on_current_tab")->setEnabled(tab && tab->count() > 0);
     for (const auto& b : itemButtons)
         findChild<QToolButton*>(QLatin1String(b.button))->setEnabled(m_contextMenu->entry(b.slot)->isEnabled());

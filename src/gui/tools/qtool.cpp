@@ -5,6 +5,7 @@
 #include "core/project/collectiontab.h"
 #include "core/project/itemoperations.h"
 #include "core/project/project.h"
+#include "core/project/zedit.h"
 #include "core/settings/options.h"
 #include "gui/app/collectiontabpage.h"
 
@@ -14,6 +15,7 @@
 #include <QPixmap>
 #include <QTimer>
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace {
@@ -193,6 +195,33 @@ void QTool::applyToItem(const QString& name, QSciImage::Parts parts, const std::
     const QList<QSciImage*> switched = ItemOperations::editPicture(*m_project.data(), { m_item.data() }, text, change);
     if (!switched.isEmpty())
         emit statusMessageRequested(ItemOperations::pictureShownText(switched));
+}
+
+void QTool::applyZToItem(const QString& name, const std::function<void(QSciImage&)>& change)
+{
+    if (m_item && m_project)
+        ZEdit::apply(*m_project.data(), { m_item.data() }, name, change);
+}
+
+QImage QTool::renderZ(const QSciImage& item, const QVector<double>& z)
+{
+    const int w = item.width(), h = item.height();
+    QImage image(w, h, QImage::Format_ARGB32_Premultiplied);
+    if (z.size() != qsizetype(w) * h)
+        return image;
+    double lo = HUGE_VAL, hi = -HUGE_VAL;
+    for (double v : z)
+        if (std::isfinite(v)) {
+            lo = std::min(lo, v);
+            hi = std::max(hi, v);
+        }
+    const ColorGradient& gradient = item.colorGradient();
+    for (int row = 0; row < h; ++row) {
+        auto* line = reinterpret_cast<QRgb*>(image.scanLine(row));
+        for (int x = 0; x < w; ++x)
+            line[x] = gradient.colorAt(z[qsizetype(x) * h + (h - 1 - row)], lo, hi);
+    }
+    return image;
 }
 
 QList<QSciImage*> QTool::targetItems() const

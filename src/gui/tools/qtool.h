@@ -68,6 +68,10 @@ public:
     /** Sets the flag and stores it as Tools.selectionMethodBoundingRect, which all such tools share. */
     void setSelectionMethodBoundingRect(bool on);
 
+    /** The keyboard modifiers held at the last press. */
+    Qt::KeyboardModifiers modifiers() const { return m_modifiers; }
+    void setModifiers(Qt::KeyboardModifiers modifiers) { m_modifiers = modifiers; }
+
     bool isDragActive() const { return m_active; }
     const QPixmap* heldPixmap() const { return m_heldPixmap.get(); }
     bool needsRedraw() const { return m_needsRedraw; }
@@ -119,6 +123,10 @@ protected:
      * @p name ("Apply tool" when empty), recording @p parts first. Nothing happens without an item or project.
      */
     void applyToItem(const QString& name, QSciImage::Parts parts, const std::function<void(QSciImage&)>& change);
+    /** applyToItem() for a change of the z-matrix, through ZEdit (the picture follows the heights). */
+    void applyZToItem(const QString& name, const std::function<void(QSciImage&)>& change);
+    /** @p z (W*H, the item's storage order) through the item's gradient as a picture, rows from the top. */
+    static QImage renderZ(const QSciImage& item, const QVector<double>& z);
     /** The items the mask commands act on: the current item, else the current tab's selected items. */
     QList<QSciImage*> targetItems() const;
     /** Call once the panel's widgets exist: from then on every change is stored. */
@@ -149,4 +157,5 @@ private:
     bool m_active = false;
     std::unique_ptr<QPixmap> m_heldPixmap;
     bool m_restoringPanel = false;
+    Qt::KeyboardModifiers m_modifiers;
 };

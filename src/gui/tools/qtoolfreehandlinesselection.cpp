@@ -59,7 +59,7 @@ void QToolFreehandLinesSelection::endDrag(const QPoint& point, Qt::MouseButton b
 void QToolFreehandLinesSelection::apply()
 {
     const QPolygon polygon = m_corners;
-    const MaskEdit::Mode how = mode();
+    const MaskEdit::Mode how = gestureMode();
     applyToItem(MaskEdit::polygonLinesText(), QSciImage::MaskPart,
         [&polygon, how](QSciImage& target) { MaskEdit::applyPolygon(target, polygon, how); });
 }

@@ -29,7 +29,7 @@ void QToolFreehandSelection::endDrag(const QPoint& point, Qt::MouseButton)
         append(point);
     finishDrag();
     const QPolygon polygon = m_path;
-    const MaskEdit::Mode how = mode();
+    const MaskEdit::Mode how = gestureMode();
     applyToItem(MaskEdit::polygonText(), QSciImage::MaskPart,
         [&polygon, how](QSciImage& target) { MaskEdit::applyPolygon(target, polygon, how); });
 }

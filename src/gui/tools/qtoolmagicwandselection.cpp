@@ -50,7 +50,7 @@ void QToolMagicWandSelection::endDrag(const QPoint& point, Qt::MouseButton)
     const QPoint seed = point;
     const double percent = tolerancePercent();
     const bool contiguous = isContiguous();
-    const MaskEdit::Mode how = mode();
+    const MaskEdit::Mode how = gestureMode();
     applyToItem(MaskEdit::magicWandText(), QSciImage::MaskPart, [=](QSciImage& target) {
         double zMin = 0, zMax = 0;
         target.zRange(&zMin, &zMax);

@@ -43,7 +43,7 @@ void QToolMoveSelection::endDrag(const QPoint& point, Qt::MouseButton)
     finishDrag();
     m_maskImage = QImage();
     const QPoint by = offset();
-    const MaskEdit::Mode how = mode();
+    const MaskEdit::Mode how = gestureMode();
     applyToItem(MaskEdit::shiftText(), QSciImage::MaskPart,
         [by, how](QSciImage& target) { MaskEdit::applyShift(target, by, how); });
 }

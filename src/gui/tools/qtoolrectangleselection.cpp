@@ -37,7 +37,7 @@ void QToolRectangleSelection::endDrag(const QPoint& point, Qt::MouseButton)
         m_end = point;
     finishDrag();
     const QRect rect = selectionRect();
-    const MaskEdit::Mode how = mode();
+    const MaskEdit::Mode how = gestureMode();
     applyToItem(operationText(), QSciImage::MaskPart,
         [this, rect, how](QSciImage& target) { applySelection(target, rect, how); });
 }

@@ -57,6 +57,15 @@ void QToolSelection::setMode(MaskEdit::Mode mode)
     m_mode->setCurrentIndex(mode == MaskEdit::Mode::Add ? 1 : mode == MaskEdit::Mode::Subtract ? 2 : 0);
 }
 
+MaskEdit::Mode QToolSelection::gestureMode() const
+{
+    if (modifiers() & Qt::ShiftModifier)
+        return MaskEdit::Mode::Add;
+    if (modifiers() & Qt::ControlModifier)
+        return MaskEdit::Mode::Subtract;
+    return mode();
+}
+
 void QToolSelection::selectAllMask()
 {
     if (project())

@@ -19,6 +19,8 @@ public:
 
     MaskEdit::Mode mode() const;
     void setMode(MaskEdit::Mode mode);
+    /** The mode of the gesture under way: Shift at its press adds, Ctrl subtracts, else the panel's mode. */
+    MaskEdit::Mode gestureMode() const;
 
     void selectAllMask();
     void unselectAllMask();

@@ -1,6 +1,8 @@
 #include "toolbox.h"
 
+#include "qtoolalignbypoi.h"
 #include "qtoolanalyseobject.h"
+#include "qtoolcolorize.h"
 #include "qtoolcolorpicker.h"
 #include "qtooldefcursor.h"
 #include "qtooldrawpaintbrush.h"
@@ -19,6 +21,13 @@
 #include "qtoolrectangleselection.h"
 #include "qtoolrectshape.h"
 #include "qtoolroundrectshape.h"
+#include "qtooldrawcurve.h"
+#include "qtoolfreehandlinesshape.h"
+#include "qtoolfreehandshape.h"
+#include "qtoollatextext.h"
+#include "qtoollattice.h"
+#include "qtoolresolvedoubletip.h"
+#include "qtoolsmoothen.h"
 #include "tooloverlayitem.h"
 
 #include "core/project/collectiontab.h"
@@ -63,6 +72,15 @@ ToolBox::ToolBox(ToolsDock* dock, QObject* parent)
     addTool(Shapes, tr("Rectangle"), new QToolRectShape);
     addTool(Shapes, tr("Ellipse"), new QToolEllipseShape);
     addTool(Shapes, tr("Rounded rectangle"), new QToolRoundRectShape);
+    addTool(Scientific, tr("Lattice"), new QToolLattice);
+    addTool(Scientific, tr("Align by point of interest"), new QToolAlignByPoi);
+    addTool(Scientific, tr("Resolve double tip"), new QToolResolveDoubleTip);
+    addTool(Scientific, tr("LaTeX formula"), new QToolLatexText);
+    addTool(Draw, tr("Curve"), new QToolDrawCurve);
+    addTool(Draw, tr("Colorize"), new QToolColorize);
+    addTool(Draw, tr("Smoothen z"), new QToolSmoothen);
+    addTool(Shapes, tr("Freehand shape"), new QToolFreehandShape);
+    addTool(Shapes, tr("Freehand lines"), new QToolFreehandLinesShape);
 
     // The tools die with the option area, which may go before this object does.
     connect(m_options, &QObject::destroyed, this, [this] {
@@ -140,6 +158,8 @@ void ToolBox::setCurrentTool(const QString& identifier)
             m_current->cancelDrag();
             m_current->hide();
         }
+        // A preview kept after a gesture (a lattice, a double-tip result) belongs to the tool being left.
+        hideOverlay();
         m_current = next;
         m_current->show();
         next->activate(identifier);
@@ -186,6 +206,12 @@ QPoint ToolBox::toToolPoints(QSciImage* from, const QPoint& point) const
     // Without an item the view gives points of the tab itself.
     const QPoint origin = from ? QPoint(from->left(), from->top()) : QPoint();
     return point + origin - QPoint(own->left(), own->top());
+}
+
+void ToolBox::toolModifiersPressed(Qt::KeyboardModifiers modifiers)
+{
+    if (m_current)
+        m_current->setModifiers(modifiers);
 }
 
 bool ToolBox::toolMousePressed(CollectionTabPage* page, QSciImage* item, const QPoint& point, Qt::MouseButton button)

@@ -48,6 +48,7 @@ public:
     /** The page of the last gesture a tool took. */
     CollectionTabPage* currentPage() const;
 
+    void toolModifiersPressed(Qt::KeyboardModifiers modifiers) override;
     bool toolMousePressed(
         CollectionTabPage* page, QSciImage* item, const QPoint& point, Qt::MouseButton button) override;
     void toolMouseMoved(CollectionTabPage* page, QSciImage* item, const QPoint& point) override;

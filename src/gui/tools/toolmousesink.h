@@ -14,6 +14,8 @@ class QSciImage;
 class ToolMouseSink {
 public:
     virtual ~ToolMouseSink() = default;
+    /** The keyboard modifiers held at the next press (Shift adds to a selection, Ctrl subtracts from it). */
+    virtual void toolModifiersPressed(Qt::KeyboardModifiers) { }
     /** True when the sink takes the gesture (the view then neither moves nor rubber-band-selects items). */
     virtual bool toolMousePressed(CollectionTabPage* page, QSciImage* item, const QPoint& point, Qt::MouseButton button)
         = 0;

@@ -1,0 +1,6 @@
+#include "qtooldrawcurve.h"
+
+QToolDrawCurve::QToolDrawCurve(QWidget* parent)
+    : QToolPathShape(QStringLiteral("LINE_CURVE"), Kind::Curve, parent)
+{
+}

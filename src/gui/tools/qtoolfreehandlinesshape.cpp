@@ -1,0 +1,6 @@
+#include "qtoolfreehandlinesshape.h"
+
+QToolFreehandLinesShape::QToolFreehandLinesShape(QWidget* parent)
+    : QToolPathShape(QStringLiteral("FREEHAND_LINES"), Kind::Lines, parent)
+{
+}

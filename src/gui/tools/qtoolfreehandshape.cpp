@@ -1,0 +1,6 @@
+#include "qtoolfreehandshape.h"
+
+QToolFreehandShape::QToolFreehandShape(QWidget* parent)
+    : QToolPathShape(QStringLiteral("FREEHAND_SHAPE"), Kind::Freehand, parent)
+{
+}
