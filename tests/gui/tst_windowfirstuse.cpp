@@ -97,6 +97,7 @@ private slots:
         }
         QVERIFY(menu(*window, "menuHelp")->menuAction()->isEnabled());
         QMenu* exports = menu(*window, "menuExport");
+        // The object exports act on selected items: nothing is selected yet.
         QVERIFY(!subMenu(exports, QStringLiteral("Objects pixels"))->menuAction()->isEnabled());
         QVERIFY(subMenu(exports, QStringLiteral("Export visible area as..."))->menuAction()->isEnabled());
 

@@ -26,8 +26,9 @@ QString headerValue(const QSciImage& item, const QString& key)
 QString ObjectOperations::foundText(const QList<int>& counts)
 {
     if (counts.size() == 1)
-        return counts.first() == 1 ? QCoreApplication::translate("ObjectOperations", "1 object found")
-                                   : QCoreApplication::translate("ObjectOperations", "%1 objects found").arg(counts.first());
+        return counts.first() == 1
+            ? QCoreApplication::translate("ObjectOperations", "1 object found")
+            : QCoreApplication::translate("ObjectOperations", "%1 objects found").arg(counts.first());
     QStringList parts;
     for (int n : counts)
         parts << QString::number(n);

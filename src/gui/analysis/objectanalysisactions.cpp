@@ -8,6 +8,7 @@
 #include "core/items/qsciimage.h"
 #include "core/tables/qscisimpletablemodel.h"
 #include "core/tables/tabletext.h"
+#include "gui/app/documentsdock.h"
 #include "gui/app/mainactions.h"
 #include "gui/app/mainwindow.h"
 #include "gui/processing/formimageprocessing.h"
@@ -18,6 +19,7 @@
 #include <QTableWidget>
 
 #include <QFileDialog>
+#include <QTabWidget>
 
 ObjectAnalysisActions::ObjectAnalysisActions(MainWindow* window, MainActions* actions, FormImageProcessing* processing)
     : QObject(window)
@@ -65,6 +67,15 @@ ObjectAnalysisActions::ObjectAnalysisActions(MainWindow* window, MainActions* ac
         actions->wire(e.name, this, [this, p = int(e.pixels), f = int(e.files)] { exportPixels(p, f); });
 }
 
+QList<const char*> ObjectAnalysisActions::exportActions()
+{
+    return { "actionIn_one_file_objectPixels", "actionIn_one_file_per_object_objectPixels",
+        "actionIn_one_file_per_image_objectPixels", "actionAll_in_one_file_skeletonPixels",
+        "actionIn_one_file_per_object_skeletonPixels", "actionIn_one_file_per_image_skeletonPixels",
+        "actionAll_in_one_file_largestSkeletonBranch", "actionIn_one_file_per_object_largestSkeletonBranch",
+        "actionIn_one_file_per_image_largestSkeletonBranch" };
+}
+
 void ObjectAnalysisActions::addMeasuresTables(const QList<QSciImage*>& items)
 {
     QList<const QSciImage*> sources;
@@ -80,6 +91,12 @@ void ObjectAnalysisActions::addMeasuresTables(const QList<QSciImage*>& items)
     add(ObjectTable::measures(sources, false), tr("Object measures"));
     if (items.size() > 1)
         add(ObjectTable::summary(sources, false), tr("Objects per image"));
+    // The table is the result the user asked for: bring it into view.
+    if (auto* dock = m_window->findChild<DocumentsDock*>()) {
+        dock->show();
+        dock->raise();
+        dock->pages()->setCurrentWidget(dock->tablesPage());
+    }
 }
 
 void ObjectAnalysisActions::exportPixels(int pixels, int files)

@@ -21,6 +21,8 @@ public:
     ObjectAnalysisActions(MainWindow* window, MainActions* actions, FormImageProcessing* processing);
 
     ObjectRecognitionPanel* panel() const { return m_panel; }
+    /** The object pixel exports: they act on the selected items, so the window enables them with a selection. */
+    static QList<const char*> exportActions();
     FormObjectProperties* propertiesDialog() const { return m_properties; }
 
 signals:

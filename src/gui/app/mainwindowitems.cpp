@@ -14,6 +14,7 @@
 #include "formadvancedalignment.h"
 #include "formitemproperties.h"
 #include "formrecalibratez.h"
+#include "gui/analysis/objectanalysisactions.h"
 #include "gui/processing/formimageprocessing.h"
 #include "gui/display/formchoosecolorgradient.h"
 #include "core/history/qscihistorymanager.h"
@@ -170,6 +171,8 @@ void MainWindow::updateItemActions()
             "actionPictures_with_display_elements", "actionPdf_files", "actionPostscript_ps_files" })
         m_actions->get(name)->setEnabled(count > 0 || currentItem());
     m_actions->get("actionLaTeX_Codes")->setEnabled(count > 0 || currentItem());
+    for (const char* name : ObjectAnalysisActions::exportActions())
+        m_actions->get(name)->setEnabled(count > 0);
     m_actions->get("actionSave_items_on_current_tab")->setEnabled(tab && tab->count() > 0);
     for (const auto& b : itemButtons)
         findChild<QToolButton*>(QLatin1String(b.button))->setEnabled(m_contextMenu->entry(b.slot)->isEnabled());
