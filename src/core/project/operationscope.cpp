@@ -4,6 +4,7 @@
 #include "project.h"
 
 #include "core/history/qscihistorymanager.h"
+#include "core/items/processinglog.h"
 
 OperationScope::OperationScope(Project* project, CollectionTab* tab, const QString& name)
     : m_project(project)
@@ -28,7 +29,15 @@ bool OperationScope::record(QSciImage* item, QSciImage::Parts parts)
 {
     if (!m_busy && qint64(item->width()) * item->height() >= BusyPoints)
         m_busy = std::make_unique<BusyIndicator::Scope>();
-    return QSciHistoryManager::instance()->saveItem(item, parts);
+    if (!QSciHistoryManager::instance()->saveItem(item, parts))
+        return false;
+    // After the save, so the history's copy holds the log without this line and undo takes it away.
+    constexpr QSciImage::Parts logged = QSciImage::ZPart | QSciImage::MaskPart | QSciImage::ObjectsPart;
+    if ((parts & logged) && !m_logged.contains(item->serial())) {
+        m_logged.insert(item->serial());
+        ProcessingLog::append(*item, m_name, m_logParameters);
+    }
+    return true;
 }
 
 void OperationScope::recordCreated(QSciImage* item)

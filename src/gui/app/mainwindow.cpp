@@ -44,7 +44,9 @@
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
 #include "gui/import/fileimport.h"
+#include "gui/import/formbrowse.h"
 #include "gui/display/formchoosecolorgradient.h"
+#include "gui/display/formcolorrange.h"
 #include "gui/help/forminfo.h"
 #include "gui/help/helpbrowser.h"
 #include "gui/tools/toolbox.h"
@@ -158,6 +160,8 @@ MainWindow::MainWindow(QWidget* parent)
     m_formInfo = new FormInfo(this);
     wireHelpActions();
     m_fileImport = new FileImport(this);
+    m_formBrowse = new FormBrowse(this);
+    m_formColorRange = new FormColorRange(this);
     setAcceptDrops(true);
     createTimers();
     readSettings();

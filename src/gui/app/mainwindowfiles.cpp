@@ -38,6 +38,7 @@
 #include "gui/tables/tablespanel.h"
 #include "gui/tables/textspanel.h"
 #include "gui/import/fileimport.h"
+#include "gui/import/formbrowse.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
 #include "postscriptwriter.h"
@@ -102,6 +103,18 @@ void MainWindow::wireFileActions()
     m_actions->wire("actionPdf_file", this, &MainWindow::exportVisibleAreaPdf);
     m_actions->wire("actionPostscript_file", this, &MainWindow::exportVisibleAreaPostScript);
     m_actions->wire("actionPrint_visible_area", this, &MainWindow::printVisibleArea);
+    m_actions->wire("actionBrowse", this, [this] {
+        m_formBrowse->show();
+        m_formBrowse->raise();
+        m_formBrowse->activateWindow();
+    });
+    connect(m_formBrowse, &FormBrowse::openRequested, this, [this](const QStringList& paths) {
+        for (const QString& path : paths) {
+            QString message;
+            if (!openFile(path, &message) || !message.isEmpty())
+                showMessage(tr("Open"), message);
+        }
+    });
 }
 
 // ---- hooks ---------------------------------------------------------------------------------------------------
