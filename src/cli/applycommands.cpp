@@ -97,7 +97,8 @@ int setColorRange(CliContext& ctx, CliArgs& args, Project& project, QSciImage* i
     const QString cut = args.takeOption(QStringLiteral("--zrange-cut"), &cutGiven);
     const bool full = args.takeFlag(QStringLiteral("--full"));
     if (int(fixedGiven) + int(cutGiven) + int(full) != 1)
-        return usage(ctx, QStringLiteral("set-color-range needs one of --zrange MIN:MAX, --zrange-cut PERCENT, --full"));
+        return usage(
+            ctx, QStringLiteral("set-color-range needs one of --zrange MIN:MAX, --zrange-cut PERCENT, --full"));
     ColorRange range;
     if (fixedGiven && !ColorRange::parseFixed(fixed, &range))
         return usage(ctx, QStringLiteral("--zrange needs MIN:MAX, two finite numbers"));

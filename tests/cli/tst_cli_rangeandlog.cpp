@@ -25,7 +25,8 @@ private slots:
     void renderTakesAFixedOrCutRange()
     {
         // The default gradient runs from black to white: below the minimum black, above the maximum white.
-        QCOMPARE(cli({ "render", path("row.img.velm"), "--out", path("f.png"), "--from-z", "--zrange", "0:10" }).exitCode,
+        QCOMPARE(
+            cli({ "render", path("row.img.velm"), "--out", path("f.png"), "--from-z", "--zrange", "0:10" }).exitCode,
             0);
         const QImage fixed(path("f.png"));
         QCOMPARE(fixed.pixelColor(0, 0), QColor(Qt::black));
@@ -36,17 +37,17 @@ private slots:
 
         // Full range: 100 squeezes the rest into the dark end; a 20% cut at each end spreads them out.
         QCOMPARE(cli({ "render", path("row.img.velm"), "--out", path("a.png"), "--from-z" }).exitCode, 0);
-        QCOMPARE(cli({ "render", path("row.img.velm"), "--out", path("c.png"), "--from-z", "--zrange-cut", "20" })
-                     .exitCode,
+        QCOMPARE(
+            cli({ "render", path("row.img.velm"), "--out", path("c.png"), "--from-z", "--zrange-cut", "20" }).exitCode,
             0);
         QVERIFY(qGray(QImage(path("a.png")).pixel(2, 0)) < 40);
         QVERIFY(qGray(QImage(path("c.png")).pixel(2, 0)) > 60);
         QCOMPARE(QImage(path("c.png")).pixelColor(4, 0), QColor(Qt::white));
 
-        for (const QStringList& bad : { QStringList { "--from-z", "--zrange", "1" },
-                 QStringList { "--from-z", "--zrange", "a:b" }, QStringList { "--zrange", "0:1" },
-                 QStringList { "--from-z", "--zrange-cut", "50" },
-                 QStringList { "--from-z", "--zrange", "0:1", "--zrange-cut", "1" } }) {
+        for (const QStringList& bad :
+            { QStringList { "--from-z", "--zrange", "1" }, QStringList { "--from-z", "--zrange", "a:b" },
+                QStringList { "--zrange", "0:1" }, QStringList { "--from-z", "--zrange-cut", "50" },
+                QStringList { "--from-z", "--zrange", "0:1", "--zrange-cut", "1" } }) {
             const CliResult result = cli(QStringList { "render", path("row.img.velm"), "--out", path("x.png") } + bad);
             QVERIFY2(result.exitCode == 2, qPrintable(bad.join(QLatin1Char(' '))));
         }
@@ -56,12 +57,12 @@ private slots:
     void logAndRangeTravelWithTheFile()
     {
         QCOMPARE(cli({ "apply", path("row.img.velm"), "--out", path("l1.img.velm"), "level-plane" }).exitCode, 0);
-        QCOMPARE(cli({ "apply", path("l1.img.velm"), "--out", path("l2.img.velm"), "denoise", "--radius", "1.5" })
-                     .exitCode,
+        QCOMPARE(
+            cli({ "apply", path("l1.img.velm"), "--out", path("l2.img.velm"), "denoise", "--radius", "1.5" }).exitCode,
             0);
-        QCOMPARE(cli({ "apply", path("l2.img.velm"), "--out", path("l3.img.velm"), "set-color-range", "--zrange",
-                         "-1:2.5" })
-                     .exitCode,
+        QCOMPARE(
+            cli({ "apply", path("l2.img.velm"), "--out", path("l3.img.velm"), "set-color-range", "--zrange", "-1:2.5" })
+                .exitCode,
             0);
         const QJsonObject info = QJsonDocument::fromJson(cli({ "info", path("l3.img.velm") }).out).object();
         const QJsonArray log = info.value("processingLog").toArray();

@@ -99,8 +99,8 @@ private slots:
     void colorRangeDialogAppliesToAllSelectedItems()
     {
         auto window = shownWindowWithoutDemo<ScriptedWindow>(QSize(900, 600));
-        CollectionTab* tab = window->project()->currentTab() ? window->project()->currentTab()
-                                                             : window->project()->addTab();
+        CollectionTab* tab
+            = window->project()->currentTab() ? window->project()->currentTab() : window->project()->addTab();
         QList<QSciImage*> items;
         for (int i = 0; i < 2; ++i) {
             auto* item = new QSciImage(4, 3, Qt::white);

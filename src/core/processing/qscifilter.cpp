@@ -284,11 +284,13 @@ QString QSciFilter::logParameters() const
         text = QStringLiteral("sigma=%1, amount=%2").arg(o.sigma).arg(o.amount);
         break;
     case Kind::Convolution:
-        text = QStringLiteral("kernel=%1%2").arg(kernelText(o.kernel), o.normalise ? QStringLiteral(", normalised") : QString());
+        text = QStringLiteral("kernel=%1%2")
+                   .arg(kernelText(o.kernel), o.normalise ? QStringLiteral(", normalised") : QString());
         break;
     case Kind::Sobel:
-        text = o.direction == Direction::Both ? QStringLiteral("direction=both")
-                                              : (o.direction == Direction::X ? QStringLiteral("direction=x") : QStringLiteral("direction=y"));
+        text = o.direction == Direction::Both
+            ? QStringLiteral("direction=both")
+            : (o.direction == Direction::X ? QStringLiteral("direction=x") : QStringLiteral("direction=y"));
         break;
     case Kind::Smoothen:
         text = QStringLiteral("radius=%1").arg(o.radius);

@@ -121,7 +121,8 @@ bool ItemOperations::recalibrateZ(
             *message = tr("Recalibrate z-matrix: the result would hold values that are no finite numbers.");
         return false;
     }
-    apply(project, items, tr("Recalibrate z-matrix"), QSciImage::ZPart | QSciImage::HeaderPart,
+    apply(
+        project, items, tr("Recalibrate z-matrix"), QSciImage::ZPart | QSciImage::HeaderPart,
         [=](QSciImage& i) { i.recalibrateZ(multiply, add); },
         QStringLiteral("multiply=%1, add=%2").arg(multiply, 0, 'g', 12).arg(add, 0, 'g', 12));
     return true;

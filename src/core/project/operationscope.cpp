@@ -31,11 +31,10 @@ bool OperationScope::record(QSciImage* item, QSciImage::Parts parts)
         m_busy = std::make_unique<BusyIndicator::Scope>();
     if (!QSciHistoryManager::instance()->saveItem(item, parts))
         return false;
-    // After the save, so the history's copy holds the log without this line and undo takes it away.
     constexpr QSciImage::Parts logged = QSciImage::ZPart | QSciImage::MaskPart | QSciImage::ObjectsPart;
-    if ((parts & logged) && !m_logged.contains(item->serial())) {
-        m_logged.insert(item->serial());
-        ProcessingLog::append(*item, m_name, m_logParameters);
+    if ((parts & logged) && !m_loggedSerials.contains(item->serial())) {
+        m_loggedSerials.insert(item->serial());
+        m_logged.append(item);
     }
     return true;
 }
@@ -60,6 +59,11 @@ void OperationScope::commit()
     if (!m_open)
         return;
     m_open = false;
+    // The history saved the items before their lines were added, so undo takes a line away with its change;
+    // a cancelled operation writes none.
+    for (const QPointer<QSciImage>& item : qAsConst(m_logged))
+        if (item)
+            ProcessingLog::append(*item, m_name, m_logParameters);
     if (m_owns)
         QSciHistoryManager::instance()->commitTransaction();
     if (m_project)

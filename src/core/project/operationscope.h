@@ -2,6 +2,8 @@
 
 #include "core/items/qsciimage.h"
 
+#include <QList>
+#include <QPointer>
 #include <QSet>
 #include <QString>
 #include <memory>
@@ -25,8 +27,8 @@ public:
 
     QString name() const { return m_name; }
     /**
-     * Parameters of the operation ("radius=2") for the processing log: record() adds a line of the name and
-     * these to each item whose z-matrix, mask or objects it records, so the line is undone with the change.
+     * Parameters of the operation ("radius=2") for the processing log: commit() adds a line of the name and
+     * these to each item whose z-matrix, mask or objects were recorded, so the line is undone with the change.
      */
     void setLogParameters(const QString& parameters) { m_logParameters = parameters; }
     /** Saves @p parts of @p item as they are now; false when that failed and the item must not change. */
@@ -51,7 +53,8 @@ private:
     CollectionTab* m_tab;
     QString m_name;
     QString m_logParameters;
-    QSet<quint64> m_logged;
+    QSet<quint64> m_loggedSerials;
+    QList<QPointer<QSciImage>> m_logged;
     bool m_open = true;
     bool m_owns = false;
 };

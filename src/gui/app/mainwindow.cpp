@@ -161,6 +161,7 @@ MainWindow::MainWindow(QWidget* parent)
     wireHelpActions();
     m_fileImport = new FileImport(this);
     m_formBrowse = new FormBrowse(this);
+    connect(m_formBrowse, &FormBrowse::openRequested, this, &MainWindow::openBrowsedFiles);
     m_formColorRange = new FormColorRange(this);
     setAcceptDrops(true);
     createTimers();

@@ -202,6 +202,8 @@ private slots:
 
     // File menu.
     void openItems();
+    /** Opens what the file browser hands over onto the current tab. */
+    void openBrowsedFiles(const QStringList& paths);
     void newBlankItem();
     void saveSelectedItems();
     void saveItemsOnCurrentTab();

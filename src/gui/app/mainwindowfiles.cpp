@@ -108,13 +108,15 @@ void MainWindow::wireFileActions()
         m_formBrowse->raise();
         m_formBrowse->activateWindow();
     });
-    connect(m_formBrowse, &FormBrowse::openRequested, this, [this](const QStringList& paths) {
-        for (const QString& path : paths) {
-            QString message;
-            if (!openFile(path, &message) || !message.isEmpty())
-                showMessage(tr("Open"), message);
-        }
-    });
+}
+
+void MainWindow::openBrowsedFiles(const QStringList& paths)
+{
+    for (const QString& path : paths) {
+        QString message;
+        if (!openFile(path, &message) || !message.isEmpty())
+            showMessage(tr("Open"), message);
+    }
 }
 
 // ---- hooks ---------------------------------------------------------------------------------------------------

@@ -98,7 +98,9 @@ void FormColorRange::setItems(const QList<QSciImage*>& items)
     m_maximum->setText(valueText(std::isfinite(shownHigh) ? shownHigh : 1, m_unit));
     if (range.mode == ColorRange::Mode::Cut)
         m_percent->setValue(range.cutPercent);
-    (range.mode == ColorRange::Mode::Fixed ? m_fixed : range.mode == ColorRange::Mode::Cut ? m_cut : m_full)
+    (range.mode == ColorRange::Mode::Fixed        ? m_fixed
+            : range.mode == ColorRange::Mode::Cut ? m_cut
+                                                  : m_full)
         ->setChecked(true);
     updateState();
 }

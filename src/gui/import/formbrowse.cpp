@@ -23,6 +23,7 @@
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentMap>
 #include <algorithm>
+#include <functional>
 
 namespace {
 
@@ -198,7 +199,8 @@ void FormBrowse::startPreviews()
         std::sort(found.begin(), found.end(),
             [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) < 0; });
     } else {
-        for (const QFileInfo& entry : QDir(m_folder).entryInfoList(QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase))
+        for (const QFileInfo& entry :
+            QDir(m_folder).entryInfoList(QDir::Files | QDir::Readable, QDir::Name | QDir::IgnoreCase))
             found.append(entry.absoluteFilePath());
     }
     const QPixmap blank = placeholder();
@@ -209,7 +211,8 @@ void FormBrowse::startPreviews()
             continue;
         m_paths.append(path);
         m_formats.append(format);
-        auto* item = new QListWidgetItem(QIcon(blank), base.relativeFilePath(path) + QLatin1Char('\n') + format, m_list);
+        auto* item
+            = new QListWidgetItem(QIcon(blank), base.relativeFilePath(path) + QLatin1Char('\n') + format, m_list);
         item->setData(Qt::UserRole, path);
     }
     applyFilters();
@@ -222,7 +225,10 @@ void FormBrowse::startPreviews()
     m_watcher = new QFutureWatcher<FilePreview>(this);
     connect(m_watcher, &QFutureWatcherBase::resultReadyAt, this, &FormBrowse::previewReady);
     const ThumbnailCache cache = m_cache;
-    m_watcher->setFuture(QtConcurrent::mapped(m_paths, [cache](const QString& path) { return cache.preview(path); }));
+    // Qt 5's mapped() reads the result type off the function object: a lambda does not say it.
+    const std::function<FilePreview(const QString&)> preview
+        = [cache](const QString& path) { return cache.preview(path); };
+    m_watcher->setFuture(QtConcurrent::mapped(m_paths, preview));
 }
 
 void FormBrowse::previewReady(int index)
@@ -276,7 +282,8 @@ void FormBrowse::applyFilters()
 
 bool FormBrowse::passesFilters(int index) const
 {
-    return (m_namePattern.pattern().isEmpty() || m_namePattern.match(QFileInfo(m_paths.at(index)).fileName()).hasMatch())
+    return (m_namePattern.pattern().isEmpty()
+               || m_namePattern.match(QFileInfo(m_paths.at(index)).fileName()).hasMatch())
         && (m_format.isEmpty() || m_formats.at(index) == m_format);
 }
 

@@ -43,17 +43,27 @@ private slots:
         QTest::addColumn<QString>("unit");
         QTest::addColumn<bool>("ok");
         QTest::addColumn<double>("value");
-        QTest::newRow("plain") << "1.5" << "m" << true << 1.5;
-        QTest::newRow("same unit") << "-2e-3 nm" << "nm" << true << -2e-3;
-        QTest::newRow("nano of metre") << "1.5 nm" << "m" << true << 1.5e-9;
+        QTest::newRow("plain") << "1.5"
+                               << "m" << true << 1.5;
+        QTest::newRow("same unit") << "-2e-3 nm"
+                                   << "nm" << true << -2e-3;
+        QTest::newRow("nano of metre") << "1.5 nm"
+                                       << "m" << true << 1.5e-9;
         QTest::newRow("micro sign to nano") << QString::fromUtf8("2 µm") << "nm" << true << 2000.0;
-        QTest::newRow("u for micro, no blank") << "3um" << "nm" << true << 3000.0;
-        QTest::newRow("milli of a milli unit") << "1 m" << "mm" << true << 1000.0;
-        QTest::newRow("two-letter base") << "2 kPa" << "Pa" << true << 2000.0;
-        QTest::newRow("another unit") << "1 nA" << "nm" << false << 0.0;
-        QTest::newRow("unitless item takes numbers only") << "1 nm" << "" << false << 0.0;
-        QTest::newRow("no number") << "abc" << "m" << false << 0.0;
-        QTest::newRow("locale comma is no number") << "1,5" << "m" << false << 0.0;
+        QTest::newRow("u for micro, no blank") << "3um"
+                                               << "nm" << true << 3000.0;
+        QTest::newRow("milli of a milli unit") << "1 m"
+                                               << "mm" << true << 1000.0;
+        QTest::newRow("two-letter base") << "2 kPa"
+                                         << "Pa" << true << 2000.0;
+        QTest::newRow("another unit") << "1 nA"
+                                      << "nm" << false << 0.0;
+        QTest::newRow("unitless item takes numbers only") << "1 nm"
+                                                          << "" << false << 0.0;
+        QTest::newRow("no number") << "abc"
+                                   << "m" << false << 0.0;
+        QTest::newRow("locale comma is no number") << "1,5"
+                                                   << "m" << false << 0.0;
     }
 
     void valuesReadInTheItemsUnitUnderAnyPrefix()

@@ -53,7 +53,8 @@ private slots:
         const QImage& t = preview.thumbnail;
         int spread = 0;
         for (int x = 0; x < t.width(); ++x) {
-            QVERIFY2(qAbs(qGray(t.pixel(x, 0)) - qGray(t.pixel(x, t.height() - 1))) <= 8, qPrintable(QString::number(x)));
+            QVERIFY2(
+                qAbs(qGray(t.pixel(x, 0)) - qGray(t.pixel(x, t.height() - 1))) <= 8, qPrintable(QString::number(x)));
             spread = qMax(spread, qAbs(qGray(t.pixel(x, 5)) - qGray(t.pixel(0, 5))));
         }
         QVERIFY(spread > 60);

@@ -59,8 +59,8 @@ private slots:
         item->setColorRange(range);
         double low = 0, high = 0;
         item->displayRange(&low, &high);
-        QVERIFY2(low >= 0 && low <= 2 && high >= 197 && high <= 199,
-            qPrintable(QStringLiteral("%1 %2").arg(low).arg(high)));
+        QVERIFY2(
+            low >= 0 && low <= 2 && high >= 197 && high <= 199, qPrintable(QStringLiteral("%1 %2").arg(low).arg(high)));
         item->mapZToPicture();
         QCOMPARE(item->pixel(0, 0), ramp[0]);
         QCOMPARE(item->pixel(50, 0), ramp[999]);

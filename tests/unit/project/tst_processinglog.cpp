@@ -61,10 +61,10 @@ private slots:
         DenoiseOptions denoise;
         denoise.radius = 2;
         denoise.loops = 3;
-        QCOMPARE(EffectOperations::apply(*m_project, { item }, QSciLevelling(level)),
-            EffectOperations::Outcome::Applied);
-        QCOMPARE(EffectOperations::apply(*m_project, { item }, QSciDenoise(denoise)),
-            EffectOperations::Outcome::Applied);
+        QCOMPARE(
+            EffectOperations::apply(*m_project, { item }, QSciLevelling(level)), EffectOperations::Outcome::Applied);
+        QCOMPARE(
+            EffectOperations::apply(*m_project, { item }, QSciDenoise(denoise)), EffectOperations::Outcome::Applied);
         ItemOperations::clearObjects(*m_project, { item });
 
         const QStringList log = item->processingLog();
@@ -105,8 +105,8 @@ private slots:
         ItemOperations::setColorRange(*m_project, { a, b }, range);
         DenoiseOptions selectionOnly;
         selectionOnly.selectionOnly = true; // nothing selected: refused before anything changes
-        QCOMPARE(EffectOperations::apply(*m_project, { a }, QSciDenoise(selectionOnly)),
-            EffectOperations::Outcome::Refused);
+        QCOMPARE(
+            EffectOperations::apply(*m_project, { a }, QSciDenoise(selectionOnly)), EffectOperations::Outcome::Refused);
         QCOMPARE(a->processingLog(), QStringList());
 
         QVERIFY(ItemOperations::recalibrateZ(*m_project, { a, b }, 2, -1));
