@@ -1,5 +1,6 @@
 #include "thumbnailcache.h"
 
+#include "core/base/tokencodec.h"
 #include "core/settings/options.h"
 
 #include <QCryptographicHash>
@@ -11,11 +12,22 @@
 namespace {
 
 // Bumped when the rendering changes, so old entries are made again rather than shown.
-const QString CacheVersion = QStringLiteral("1");
+const QString CacheVersion = QStringLiteral("2");
 
 QString key(const char* name)
 {
     return QString::fromLatin1(name);
+}
+
+// PNG text chunks come back with their white space simplified: texts travel as base64 of UTF-8.
+QString pack(const QString& text)
+{
+    return QString::fromLatin1(text.toUtf8().toBase64());
+}
+
+QString unpack(const QString& text)
+{
+    return QString::fromUtf8(QByteArray::fromBase64(text.toLatin1()));
 }
 
 } // namespace
@@ -52,21 +64,24 @@ bool ThumbnailCache::load(const QString& path, FilePreview* preview) const
     QImageReader reader(entryFile(path), "png");
     if (!reader.canRead())
         return false;
-    if (reader.text(key("version")) != CacheVersion || reader.text(key("path")) != source.absoluteFilePath()
+    if (reader.text(key("version")) != CacheVersion || unpack(reader.text(key("path"))) != source.absoluteFilePath()
         || reader.text(key("size")) != QString::number(source.size())
         || reader.text(key("modified")) != QString::number(source.lastModified().toMSecsSinceEpoch()))
         return false;
     FilePreview p;
     p.path = path;
     p.ok = true;
-    p.format = reader.text(key("format"));
-    p.channels = reader.text(key("channels")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    p.format = unpack(reader.text(key("format")));
+    const QString channels = unpack(reader.text(key("channels")));
+    TokenReader tokens(channels);
+    while (!tokens.atEnd())
+        p.channels.append(tokens.next());
     p.width = reader.text(key("width")).toInt();
     p.height = reader.text(key("height")).toInt();
     p.xSize = reader.text(key("xSize")).toDouble();
     p.ySize = reader.text(key("ySize")).toDouble();
-    p.xUnit = reader.text(key("xUnit"));
-    p.yUnit = reader.text(key("yUnit"));
+    p.xUnit = unpack(reader.text(key("xUnit")));
+    p.yUnit = unpack(reader.text(key("yUnit")));
     p.modified = source.lastModified();
     p.fromCache = true;
     if (!reader.read(&p.thumbnail))
@@ -84,17 +99,20 @@ void ThumbnailCache::store(const FilePreview& preview) const
     if (preview.thumbnail.isNull())
         image.fill(Qt::transparent);
     image.setText(key("version"), CacheVersion);
-    image.setText(key("path"), source.absoluteFilePath());
+    image.setText(key("path"), pack(source.absoluteFilePath()));
     image.setText(key("size"), QString::number(source.size()));
     image.setText(key("modified"), QString::number(source.lastModified().toMSecsSinceEpoch()));
-    image.setText(key("format"), preview.format);
-    image.setText(key("channels"), preview.channels.join(QLatin1Char('\n')));
+    image.setText(key("format"), pack(preview.format));
+    QString channels;
+    for (const QString& channel : preview.channels)
+        TokenCodec::append(channels, channel);
+    image.setText(key("channels"), pack(channels));
     image.setText(key("width"), QString::number(preview.width));
     image.setText(key("height"), QString::number(preview.height));
     image.setText(key("xSize"), QString::number(preview.xSize, 'g', 17));
     image.setText(key("ySize"), QString::number(preview.ySize, 'g', 17));
-    image.setText(key("xUnit"), preview.xUnit);
-    image.setText(key("yUnit"), preview.yUnit);
+    image.setText(key("xUnit"), pack(preview.xUnit));
+    image.setText(key("yUnit"), pack(preview.yUnit));
     // Written aside and renamed: a browser in another window never reads half an entry.
     QSaveFile file(entryFile(preview.path));
     if (!file.open(QIODevice::WriteOnly) || !image.save(&file, "PNG"))

@@ -39,15 +39,21 @@ QPixmap placeholder()
     return pixmap;
 }
 
-/** The thumbnail centred on a square, so that the rows of the list line up. */
+/** The thumbnail centred on a square, so that the rows of the list line up; small scans are enlarged. */
 QPixmap squared(const QImage& image)
 {
-    QPixmap pixmap(FilePreview::ThumbnailSize, FilePreview::ThumbnailSize);
+    const int side = FilePreview::ThumbnailSize;
+    QPixmap pixmap(side, side);
     pixmap.fill(Qt::transparent);
     if (image.isNull())
         return pixmap;
+    // Whole multiples keep every data point a sharp square.
+    const int factor = std::max(1, side / std::max(image.width(), image.height()));
+    const QImage shown = factor > 1
+        ? image.scaled(image.width() * factor, image.height() * factor, Qt::IgnoreAspectRatio, Qt::FastTransformation)
+        : image;
     QPainter painter(&pixmap);
-    painter.drawImage((pixmap.width() - image.width()) / 2, (pixmap.height() - image.height()) / 2, image);
+    painter.drawImage((side - shown.width()) / 2, (side - shown.height()) / 2, shown);
     return pixmap;
 }
 
@@ -261,8 +267,10 @@ QString FormBrowse::describe(const FilePreview& preview) const
         return lines.join(QLatin1Char('\n'));
     }
     QString channels = preview.channels.mid(0, 4).join(QStringLiteral(", "));
+    if (preview.channels.size() > 1)
+        channels = tr("%1 channels: ").arg(preview.channels.size()) + channels;
     if (preview.channels.size() > 4)
-        channels += tr(", ... (%1 channels)").arg(preview.channels.size());
+        channels += QStringLiteral(", ...");
     lines << preview.format << channels << preview.sizeText()
           << QLocale().toString(preview.modified, QLocale::ShortFormat);
     return lines.join(QLatin1Char('\n'));

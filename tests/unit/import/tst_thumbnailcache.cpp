@@ -14,7 +14,8 @@
 namespace {
 
 /** A native item whose z rises to the right (or to the top) on a tilt that the preview levels away. */
-void writeItem(const QString& path, int width, int height, bool risingRight)
+void writeItem(
+    const QString& path, int width, int height, bool risingRight, const QString& name = QStringLiteral("terrace"))
 {
     QSciImage item(width, height, Qt::white);
     for (int x = 0; x < width; ++x)
@@ -25,7 +26,7 @@ void writeItem(const QString& path, int width, int height, bool risingRight)
     sci.sizeY = 1e-8;
     sci.xUnit = sci.yUnit = QStringLiteral("m");
     item.setSciValues(sci);
-    item.setName(QStringLiteral("terrace"));
+    item.setName(name);
     QVERIFY(ItemFile::save(item, path));
 }
 
@@ -76,7 +77,8 @@ private slots:
     {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("scan.img.velm"));
-        writeItem(path, 64, 64, true);
+        // White space a PNG text chunk would not keep as it is.
+        writeItem(path, 64, 64, true, QStringLiteral("  two  blanks\n"));
         const ThumbnailCache cache(dir.filePath(QStringLiteral("cache")));
         const FilePreview first = cache.preview(path);
         QVERIFY(first.ok && !first.fromCache);
