@@ -131,6 +131,7 @@ private slots:
             QCOMPARE(item->colorRange().mode, ColorRange::Mode::Fixed);
             QCOMPARE(item->colorRange().minimum, -2e-9);
             QCOMPARE(item->colorRange().maximum, 0.5e-6);
+            QVERIFY(item->drawZInSciPaint());
         }
         entry(*window, "actionUndo")->trigger();
         QCOMPARE(items.first()->colorRange().mode, ColorRange::Mode::Full);

@@ -226,10 +226,11 @@ void ItemOperations::setColorGradient(Project& project, const QList<QSciImage*>&
 
 void ItemOperations::setColorRange(Project& project, const QList<QSciImage*>& items, const ColorRange& range)
 {
-    apply(project, items, tr("Color range"), QSciImage::DisplayPart | QSciImage::PicturePart, [&range](QSciImage& i) {
+    // A range is chosen to be seen: an item showing its picture is switched to its z-matrix in the same step.
+    apply(project, items, tr("Color range"), QSciImage::DisplayPart, [&range](QSciImage& i) {
         i.setColorRange(range);
-        if (i.drawZInSciPaint())
-            i.mapZToPicture();
+        if (!i.drawZInSciPaint())
+            i.setDrawSwitches(i.drawImageInSciPaint(), i.drawMaskInSciPaint(), i.drawObjectsInSciPaint(), true);
     });
 }
 

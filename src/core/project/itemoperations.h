@@ -53,7 +53,10 @@ public:
     /** Thins each mask to its skeleton ("Thinning"). */
     static void thinMask(Project& project, const QList<QSciImage*>& items);
     static void setColorGradient(Project& project, const QList<QSciImage*>& items, const ColorGradient& gradient);
-    /** Gives every item the same colour range ("Color range"), so a series is coloured alike. */
+    /**
+     * Gives every item the same colour range ("Color range"), so a series is coloured alike; items then show
+     * their z-matrix through it.
+     */
     static void setColorRange(Project& project, const QList<QSciImage*>& items, const ColorRange& range);
     /** Puts edited display and header values back into @p item as one transaction ("Item properties"). */
     static void setProperties(Project& project, QSciImage* item, const ItemProperties& properties);
