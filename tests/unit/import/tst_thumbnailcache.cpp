@@ -4,8 +4,6 @@
 #include "core/items/itemfile.h"
 #include "core/items/qsciimage.h"
 
-#include "samplefiles.h"
-
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -106,18 +104,6 @@ private slots:
         entry.write("garbage");
         entry.close();
         QVERIFY(!cache.preview(path).fromCache);
-    }
-
-    void everySampleGetsAThumbnail()
-    {
-        if (!QFileInfo::exists(QStringLiteral(VELMORA_SAMPLES_DIR)))
-            QSKIP("no sample files");
-        for (const char* name : { "*/sxm_moire_10nm.sxm", "*/test_single_image.gwy", "*/RGB-8bit.czi" }) {
-            const FilePreview preview = FilePreview::make(sample(QLatin1String(name)));
-            QVERIFY2(preview.ok, qPrintable(preview.message));
-            QVERIFY(!preview.thumbnail.isNull());
-            QVERIFY(!preview.channels.isEmpty());
-        }
     }
 };
 

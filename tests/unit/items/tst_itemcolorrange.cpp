@@ -1,8 +1,6 @@
 #include "core/items/itemdecoration.h"
-#include "core/items/itemfile.h"
 #include "core/items/qsciimage.h"
 
-#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -65,27 +63,6 @@ private slots:
         QCOMPARE(item->pixel(0, 0), ramp[0]);
         QCOMPARE(item->pixel(50, 0), ramp[999]);
         QVERIFY(item->pixel(100, 0) != ramp[0] && item->pixel(100, 0) != ramp[999]);
-    }
-
-    void savedItemKeepsItsRangeAndDuplicatesCopyIt()
-    {
-        QTemporaryDir dir;
-        const auto item = rowItem({ 1, 2, 3 });
-        ColorRange range;
-        QVERIFY(ColorRange::parseFixed(QStringLiteral("1.5:2.5"), &range));
-        item->setColorRange(range);
-        const QString path = dir.filePath(QStringLiteral("ranged.img.velm"));
-        QVERIFY(ItemFile::save(*item, path));
-        QSciImage loaded;
-        QVERIFY(ItemFile::load(loaded, path));
-        QCOMPARE(loaded.colorRange(), range);
-        std::unique_ptr<QSciImage> copy(item->duplicate());
-        QCOMPARE(copy->colorRange(), range);
-        // Loading replaces the range; a file that stores none reads as the full range.
-        QSciImage old;
-        QVERIFY(ItemFile::save(old, path));
-        QVERIFY(ItemFile::load(loaded, path));
-        QCOMPARE(loaded.colorRange().mode, ColorRange::Mode::Full);
     }
 };
 
