@@ -92,6 +92,24 @@ int setGradient(CliContext& ctx, CliArgs& args, Project& project, QSciImage* ite
     return CliSuccess;
 }
 
+int setColorRange(CliContext& ctx, CliArgs& args, Project& project, QSciImage* item)
+{
+    bool fixedGiven = false, cutGiven = false;
+    const QString fixed = args.takeOption(QStringLiteral("--zrange"), &fixedGiven);
+    const QString cut = args.takeOption(QStringLiteral("--zrange-cut"), &cutGiven);
+    const bool full = args.takeFlag(QStringLiteral("--full"));
+    if (int(fixedGiven) + int(cutGiven) + int(full) != 1)
+        return usage(
+            ctx, QStringLiteral("set-color-range needs one of --zrange MIN:MAX, --zrange-cut PERCENT, --full"));
+    ColorRange range;
+    if (fixedGiven && !ColorRange::parseFixed(fixed, &range))
+        return usage(ctx, QStringLiteral("--zrange needs MIN:MAX, two finite numbers"));
+    if (cutGiven && !ColorRange::parseCut(cut, &range))
+        return usage(ctx, QStringLiteral("--zrange-cut needs a percentage from 0 to below 50"));
+    ItemOperations::setColorRange(project, { item }, range);
+    return CliSuccess;
+}
+
 const QList<QPair<QString, Operation>>& operations()
 {
     static const QList<QPair<QString, Operation>> list = QList<QPair<QString, Operation>> {
@@ -132,6 +150,7 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("mask-invert"), simple(&ItemOperations::invertMask) },
         { QStringLiteral("mask-rect"), maskRect },
         { QStringLiteral("set-gradient"), setGradient },
+        { QStringLiteral("set-color-range"), setColorRange },
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
     } + EffectCommands::operations() + ObjectCommands::operations() + ToolCommands::operations();
     return list;
@@ -176,7 +195,8 @@ QString operationList()
 const CliCommandRegistration registration({ { QStringLiteral("apply"),
     QStringLiteral("apply FILE --out FILE OPERATION [OPTIONS]\n  operations: ") + operationList()
         + QStringLiteral("\n  recalibrate-z --multiply A --add B; mask-rect --rect L,T,W,H (rows from the top); "
-                         "set-gradient --builtin N | --token TEXT\n  ")
+                         "set-gradient --builtin N | --token TEXT; "
+                         "set-color-range --zrange MIN:MAX | --zrange-cut PERCENT | --full\n  ")
         + EffectCommands::usage() + QStringLiteral("\n  objects [") + ObjectCommands::optionUsage()
         + QStringLiteral("]\n  ") + ToolCommands::usage(),
     QStringLiteral("one operation of the item context menu on an item file"), runApply, 30 } });

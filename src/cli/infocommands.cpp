@@ -46,6 +46,20 @@ QJsonObject zStatistics(const QSciImage& item)
         { QStringLiteral("nonFinite"), double(n - finite) } };
 }
 
+/** The mode and the z values the gradient spans, as the picture would be coloured. */
+QJsonObject colorRange(const QSciImage& item)
+{
+    static const char* const modes[] = { "full", "fixed", "cut" };
+    double low = 0, high = 0;
+    item.displayRange(&low, &high);
+    const auto number = [](double value) { return std::isfinite(value) ? QJsonValue(value) : QJsonValue(); };
+    QJsonObject range { { QStringLiteral("mode"), QLatin1String(modes[int(item.colorRange().mode)]) },
+        { QStringLiteral("min"), number(low) }, { QStringLiteral("max"), number(high) } };
+    if (item.colorRange().mode == ColorRange::Mode::Cut)
+        range.insert(QStringLiteral("cutPercent"), item.colorRange().cutPercent);
+    return range;
+}
+
 int runInfo(CliContext& ctx, CliArgs& args)
 {
     const bool withObjects = args.takeFlag(QStringLiteral("--objects"));
@@ -89,6 +103,8 @@ int runInfo(CliContext& ctx, CliArgs& args)
         { QStringLiteral("textLines"), QJsonArray::fromStringList(info.textLines) },
         { QStringLiteral("objects"), item.objects().size() }, { QStringLiteral("z"), zStatistics(item) },
         { QStringLiteral("maskSelected"), double(item.maskSelectedCount()) } };
+    json.insert(QStringLiteral("processingLog"), QJsonArray::fromStringList(item.processingLog()));
+    json.insert(QStringLiteral("colorRange"), colorRange(item));
     if (withObjects) {
         QJsonArray records;
         for (const QSciSingleObject& object : item.objects())

@@ -226,6 +226,9 @@ int runRender(CliContext& ctx, CliArgs& args)
     const QStringList displayValues = args.takeAll(QStringLiteral("--display"));
     bool gradientGiven = false;
     const QString gradientText = args.takeOption(QStringLiteral("--gradient"), &gradientGiven);
+    bool zrangeGiven = false, cutGiven = false;
+    const QString zrangeText = args.takeOption(QStringLiteral("--zrange"), &zrangeGiven);
+    const QString cutText = args.takeOption(QStringLiteral("--zrange-cut"), &cutGiven);
     int status = CliSuccess;
     if (!checkArgs(ctx, args, 1, &status))
         return status;
@@ -239,11 +242,22 @@ int runRender(CliContext& ctx, CliArgs& args)
     // Without --from-z the gradient would reach nothing but a z scale: silently ignored, it misleads.
     if (gradientGiven && !fromZ && !decorations && display.isEmpty())
         return usage(ctx, QStringLiteral("--gradient colours the z-matrix: it needs --from-z"));
+    ColorRange range;
+    if (zrangeGiven && cutGiven)
+        return usage(ctx, QStringLiteral("--zrange and --zrange-cut exclude each other"));
+    if (zrangeGiven && !ColorRange::parseFixed(zrangeText, &range))
+        return usage(ctx, QStringLiteral("--zrange needs MIN:MAX, two finite numbers"));
+    if (cutGiven && !ColorRange::parseCut(cutText, &range))
+        return usage(ctx, QStringLiteral("--zrange-cut needs a percentage from 0 to below 50"));
+    if ((zrangeGiven || cutGiven) && !fromZ)
+        return usage(ctx, QStringLiteral("--zrange and --zrange-cut colour the z-matrix: they need --from-z"));
     QSciImage item;
     if (!CliItems::load(ctx, args.positional().first(), item))
         return CliFailure;
     if (gradientGiven)
         item.setColorGradient(gradient);
+    if (zrangeGiven || cutGiven)
+        item.setColorRange(range);
     if (fromZ)
         item.mapZToPicture();
     QImage picture = item.picture();
@@ -280,7 +294,8 @@ const CliCommandRegistration registration({
         [](CliContext& c, CliArgs& a) { return runExport(c, a, true); }, 24 },
     { QStringLiteral("render"),
         QStringLiteral(
-            "render FILE --out PNG [--from-z] [--gradient N|TOKEN] [--decorations] [--display KEY=VALUE]..."),
+            "render FILE --out PNG [--from-z] [--gradient N|TOKEN] [--zrange MIN:MAX | --zrange-cut PERCENT] "
+            "[--decorations] [--display KEY=VALUE]..."),
         QStringLiteral("the item's picture as PNG, optionally mapped from z first, with rulers, title and z scale"),
         runRender, 25 },
 });

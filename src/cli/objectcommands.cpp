@@ -7,6 +7,7 @@
 #include "core/analysis/objectrecognitionoptions.h"
 #include "core/analysis/objecttable.h"
 #include "core/history/qscihistorymanager.h"
+#include "core/items/processinglog.h"
 #include "core/items/qsciimage.h"
 #include "core/project/collectiontab.h"
 #include "core/project/objectoperations.h"
@@ -65,7 +66,11 @@ int runObjects(CliContext& ctx, CliArgs& args)
         return ctx.fail(message);
     ctx.out << item->objects().size() << Qt::endl;
     if (!csv.isEmpty()) {
-        const QString text = TableText::joinCsv(ObjectTable::measures({ item }, physical));
+        // How the item was made comes first, as comment lines that CSV readers skip.
+        QString text;
+        for (const QString& line : ProcessingLog::commentLines(*item))
+            text += line + QLatin1Char('\n');
+        text += TableText::joinCsv(ObjectTable::measures({ item }, physical));
         if (!CliItems::writeOut(ctx, csv, text.toUtf8()))
             return CliFailure;
     }

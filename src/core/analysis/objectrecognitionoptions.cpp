@@ -2,6 +2,7 @@
 
 #include "core/settings/options.h"
 
+#include <QStringList>
 #include <functional>
 #include <vector>
 
@@ -137,4 +138,26 @@ bool ObjectRecognitionOptions::set(const QString& key, const QString& value)
             return true;
         }
     return false;
+}
+
+QString ObjectRecognitionOptions::summary() const
+{
+    QStringList parts { QStringLiteral("type=%1").arg(objectType),
+        depressions ? QStringLiteral("depressions") : QStringLiteral("protrusions") };
+    if (zRangeMode)
+        parts << QStringLiteral("zrange=%1..%2%").arg(zRangeMinFactor).arg(zRangeMaxFactor);
+    else
+        parts << QStringLiteral("fill=%1").arg(fillFactor);
+    const std::pair<const char*, const ObjectLimit*> limits[] = { { "deltaZMin", &deltaZMin },
+        { "deltaZMax", &deltaZMax }, { "r1Min", &r1Min }, { "r1Max", &r1Max }, { "r2Min", &r2Min }, { "r2Max", &r2Max },
+        { "widthMin", &widthMin }, { "widthMax", &widthMax }, { "heightMin", &heightMin }, { "heightMax", &heightMax },
+        { "areaMin", &areaMin }, { "areaMax", &areaMax } };
+    for (const auto& limit : limits)
+        if (limit.second->checked)
+            parts << QStringLiteral("%1=%2").arg(QLatin1String(limit.first)).arg(limit.second->value, 0, 'g', 12);
+    if (subPlanes)
+        parts << QStringLiteral("subsurface planes");
+    if (onlyInSelection)
+        parts << QStringLiteral("in selection");
+    return parts.join(QLatin1String(", "));
 }

@@ -42,4 +42,6 @@ struct ObjectRecognitionOptions {
      * false when the key is not an option of the search.
      */
     bool set(const QString& key, const QString& value);
+    /** The options that shape the search, for the processing log: "type=0, protrusions, fill=50, r1Min=3, ...". */
+    QString summary() const;
 };

@@ -15,8 +15,10 @@
 #include "core/import/rhkimporter.h"
 #include "core/import/aarhusimporter.h"
 #include "core/items/itemimporterregistry.h"
+#include "core/items/processinglog.h"
 #include "core/items/qsciimage.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QLoggingCategory>
@@ -138,6 +140,9 @@ void InstrumentImporters::toItem(const InstrumentFile& file, int index, const QS
         fresh.mapZToPicture();
     fresh.setName(QFileInfo(path).completeBaseName() + QLatin1Char(' ') + channel.title);
     fresh.setFileName(path);
+    // The log starts where the data came from, so that a saved item tells its whole way from the raw file.
+    ProcessingLog::append(fresh, QCoreApplication::translate("ProcessingLog", "Import"),
+        QStringLiteral("file=%1, channel=%2").arg(QFileInfo(path).fileName(), channel.title));
     item.copyFrom(fresh);
 }
 

@@ -15,7 +15,7 @@ DisplayDecoration::Source ItemDecoration::sourceOf(const QSciImage& item)
     source.xUnit = values.xUnit;
     source.yUnit = values.yUnit;
     source.zUnit = values.zUnit;
-    item.zRange(&source.zMin, &source.zMax);
+    item.displayRange(&source.zMin, &source.zMax);
     source.gradient = item.colorGradient();
     return source;
 }

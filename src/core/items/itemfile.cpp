@@ -5,6 +5,7 @@
 #include "core/base/messages.h"
 #include "core/base/tokencodec.h"
 #include "core/items/itemimporterregistry.h"
+#include "core/items/processinglog.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -80,6 +81,8 @@ QString headerText(const QSciImage& item, const ItemFile::PartFlags& flags)
         add("drawZInSciPaint", boolText(item.drawZInSciPaint()));
         add("opacity", QString::number(item.opacity(), 'g', 6));
         add("colorGradient", item.colorGradient().toString());
+        add("colorRange", item.colorRange().toString());
+        add("processingLog", ProcessingLog::encode(item.processingLog()));
         const QMap<QString, QString>& elements = item.displayElements();
         for (const auto& element : QSciImage::displayElementDefaults()) {
             TokenCodec::append(properties, element.first);
@@ -439,6 +442,8 @@ void applyProperties(const ParsedFile& file, QSciImage& item)
     ColorGradient gradient;
     gradient.fromString(textValue(map, "colorGradient"));
     item.setColorGradient(gradient);
+    item.setColorRange(ColorRange::fromString(textValue(map, "colorRange")));
+    item.setProcessingLog(ProcessingLog::decode(textValue(map, "processingLog")));
     QMap<QString, QString> elements;
     for (const auto& element : QSciImage::displayElementDefaults())
         elements.insert(element.first, map.value(element.first, element.second));

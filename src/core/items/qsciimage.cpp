@@ -243,6 +243,8 @@ void QSciImage::copyFrom(const QSciImage& other)
     m_drawZ = other.m_drawZ;
     m_opacity = other.m_opacity;
     m_gradient = other.m_gradient;
+    m_colorRange = other.m_colorRange;
+    m_processingLog = other.m_processingLog;
     m_fileName = other.m_fileName;
     m_saved = other.m_saved;
     m_editMode = other.m_editMode;
@@ -587,12 +589,28 @@ void QSciImage::setColorGradient(const ColorGradient& gradient)
     notifyChanged(DisplayPart);
 }
 
+void QSciImage::setColorRange(const ColorRange& range)
+{
+    m_colorRange = range;
+    notifyChanged(DisplayPart);
+}
+
+void QSciImage::displayRange(double* low, double* high) const
+{
+    double fullMin, fullMax;
+    if (m_colorRange.mode == ColorRange::Mode::Fixed)
+        fullMin = fullMax = 0; // the fixed numbers stand: no pass over the matrix
+    else
+        zRange(&fullMin, &fullMax);
+    m_colorRange.limits(m_z.constData(), m_z.size(), fullMin, fullMax, low, high);
+}
+
 // ---- operations ------------------------------------------------------------------------------------------------
 
 void QSciImage::renderZInto(QImage& image) const
 {
     double low, high;
-    zRange(&low, &high);
+    displayRange(&low, &high);
     // The lookup of ColorGradient::colorAt, inlined: the same range rule, the same expression and rounding.
     double range = high - low;
     if (range < 1e-200 && range > -1e-200)

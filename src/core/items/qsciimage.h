@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/display/colorgradient.h"
+#include "core/display/colorrange.h"
 #include "core/items/qscisingleobject.h"
 
 #include <QDateTime>
@@ -191,6 +192,14 @@ public:
     void setOpacity(double opacity);
     const ColorGradient& colorGradient() const { return m_gradient; }
     void setColorGradient(const ColorGradient& gradient);
+    /** Which z values the gradient spans when the z-matrix is coloured and the z scale drawn. */
+    const ColorRange& colorRange() const { return m_colorRange; }
+    void setColorRange(const ColorRange& range);
+    /** The z values mapped to the first and last ramp entries under colorRange(). */
+    void displayRange(double* low, double* high) const;
+    /** One line per operation that changed z, mask or objects (see ProcessingLog). */
+    const QStringList& processingLog() const { return m_processingLog; }
+    void setProcessingLog(const QStringList& lines) { m_processingLog = lines; }
 
     QString fileName() const { return m_fileName; }
     void setFileName(const QString& fileName) { m_fileName = fileName; }
@@ -281,6 +290,8 @@ private:
     bool m_drawZ = false;
     double m_opacity = 1;
     ColorGradient m_gradient;
+    ColorRange m_colorRange;
+    QStringList m_processingLog;
     QString m_fileName;
     bool m_saved = false;
     bool m_loading = false;

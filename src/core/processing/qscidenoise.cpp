@@ -39,3 +39,11 @@ bool QSciDenoise::run(const EffectInput& input, double* out, ProgressSink* progr
     return DiscMedian::filter(input.z, input.width, input.height, m_options.radius, region,
         m_options.selectionOnly ? input.mask : nullptr, out, progress, name());
 }
+
+QString QSciDenoise::logParameters() const
+{
+    return QStringLiteral("radius=%1, loops=%2%3")
+        .arg(m_options.radius)
+        .arg(m_options.loops)
+        .arg(m_options.selectionOnly ? QStringLiteral(", selection") : QString());
+}

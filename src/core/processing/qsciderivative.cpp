@@ -303,3 +303,21 @@ QString QSciDerivative::tooManyPointsText()
 {
     return tr("Number of chosen neighbour points exceeds image dimensions!");
 }
+
+QString QSciDerivative::logParameters() const
+{
+    const Options& o = m_options;
+    QString text = o.mode == Mode::Gradient ? QStringLiteral("mode=gradient") : QStringLiteral("mode=directional");
+    text += QStringLiteral(", points=%1, order=%2, origin=%3, border=%4")
+                .arg(o.points)
+                .arg(o.order)
+                .arg(o.originFactor)
+                .arg(o.border == Border::Wrap ? QStringLiteral("wrap") : QStringLiteral("replicate"));
+    if (o.mode == Mode::Directional)
+        text += QStringLiteral(", angle=%1").arg(o.angle);
+    else if (o.xDirection != o.yDirection)
+        text += o.xDirection ? QStringLiteral(", direction=x") : QStringLiteral(", direction=y");
+    if (o.selectionOnly)
+        text += QStringLiteral(", selection");
+    return text;
+}

@@ -88,3 +88,8 @@ bool QSciDriftCorrection::run(const EffectInput& input, double* out, ProgressSin
     }
     return true;
 }
+
+QString QSciDriftCorrection::logParameters() const
+{
+    return QStringLiteral("maximum shift=%1").arg(m_options.maximumShift);
+}

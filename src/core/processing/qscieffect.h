@@ -27,6 +27,8 @@ public:
 
     /** The effect's name as the menus, the dialog and the history show it. */
     virtual QString name() const = 0;
+    /** The options as the item's processing log records them ("radius=2, loops=1"); empty when there are none. */
+    virtual QString logParameters() const { return QString(); }
     virtual std::unique_ptr<QSciEffect> clone() const = 0;
     virtual void readSettings() = 0;
     virtual void writeSettings() const = 0;

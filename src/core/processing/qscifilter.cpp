@@ -276,3 +276,37 @@ QString QSciFilter::kernelText(const Convolution::Kernel& kernel)
     }
     return rows.join(QLatin1Char(';'));
 }
+
+QString QSciFilter::logParameters() const
+{
+    const Options& o = m_options;
+    QString text;
+    switch (o.kind) {
+    case Kind::Gaussian:
+        text = QStringLiteral("sigma=%1").arg(o.sigma);
+        break;
+    case Kind::Unsharp:
+        text = QStringLiteral("sigma=%1, amount=%2").arg(o.sigma).arg(o.amount);
+        break;
+    case Kind::Convolution:
+        text = QStringLiteral("kernel=%1%2")
+                   .arg(kernelText(o.kernel), o.normalise ? QStringLiteral(", normalised") : QString());
+        break;
+    case Kind::Sobel:
+        text = o.direction == Direction::Both
+            ? QStringLiteral("direction=both")
+            : (o.direction == Direction::X ? QStringLiteral("direction=x") : QStringLiteral("direction=y"));
+        break;
+    case Kind::Smoothen:
+        text = QStringLiteral("radius=%1").arg(o.radius);
+        break;
+    case Kind::Despike:
+        text = QStringLiteral("sigma=%1").arg(o.despikeSigma);
+        break;
+    case Kind::Sharpen:
+        break;
+    }
+    if (o.selectionOnly)
+        text += (text.isEmpty() ? QString() : QStringLiteral(", ")) + QStringLiteral("selection");
+    return text;
+}

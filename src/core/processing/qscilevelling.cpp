@@ -170,3 +170,21 @@ bool QSciLevelling::facet(const EffectInput& input, double* out, ProgressSink* p
     const double cu = sx * (w - 1) / 2.0, cv = sy * (h - 1) / 2.0;
     return SurfaceFit::subtract(out, w, h, 1, { 0.0, cu, cv }, progress);
 }
+
+QString QSciLevelling::logParameters() const
+{
+    QString text;
+    if (m_options.method == Method::Polynomial)
+        text = QStringLiteral("order=%1").arg(m_options.order);
+    else if (m_options.method == Method::ThreePoints)
+        text = QStringLiteral("points=%1,%2;%3,%4;%5,%6")
+                   .arg(m_options.points[0].x())
+                   .arg(m_options.points[0].y())
+                   .arg(m_options.points[1].x())
+                   .arg(m_options.points[1].y())
+                   .arg(m_options.points[2].x())
+                   .arg(m_options.points[2].y());
+    if (m_options.masked && m_options.method != Method::ZeroMinimum && m_options.method != Method::ThreePoints)
+        text += (text.isEmpty() ? QString() : QStringLiteral(", ")) + QStringLiteral("masked");
+    return text;
+}

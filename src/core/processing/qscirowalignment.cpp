@@ -223,3 +223,10 @@ bool QSciRowAlignment::removeScars(const EffectInput& input, double* out) const
     }
     return true;
 }
+
+QString QSciRowAlignment::logParameters() const
+{
+    if (m_options.method == Method::Scars)
+        return QStringLiteral("threshold=%1, length=%2").arg(m_options.scarThreshold).arg(m_options.scarMinimumLength);
+    return m_options.masked ? QStringLiteral("masked") : QString();
+}

@@ -23,6 +23,7 @@ public:
     using QSciEffectOf::QSciEffectOf;
 
     QString name() const override;
+    QString logParameters() const override;
     void readSettings() override;
     void writeSettings() const override;
     bool selectionOnly() const override { return false; }

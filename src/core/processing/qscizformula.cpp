@@ -139,3 +139,16 @@ bool QSciZFormula::run(const EffectInput& input, double* out, ProgressSink* prog
     }
     return true;
 }
+
+QString QSciZFormula::logParameters() const
+{
+    const Options& o = m_options;
+    QString text = QStringLiteral("formula=") + o.formula;
+    if (o.clip)
+        text += QStringLiteral(", clip=%1:%2").arg(o.clipLow).arg(o.clipHigh);
+    if (o.invert)
+        text += QStringLiteral(", invert");
+    if (o.selectionOnly)
+        text += QStringLiteral(", selection");
+    return text;
+}

@@ -24,6 +24,7 @@ EffectOperations::Outcome EffectOperations::apply(Project& project, const QList<
     for (QSciImage* item : items)
         guarded.append(item);
     OperationScope scope(&project, project.tabOf(items.first()), effect.name());
+    scope.setLogParameters(effect.logParameters());
     bool changed = false;
     for (const QPointer<QSciImage>& item : guarded) {
         if (!item)

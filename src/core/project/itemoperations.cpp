@@ -67,11 +67,12 @@ bool fitsOrSays(const QRect& rect, QString* message)
 } // namespace
 
 void ItemOperations::apply(Project& project, const QList<QSciImage*>& items, const QString& name,
-    QSciImage::Parts parts, const std::function<void(QSciImage&)>& change)
+    QSciImage::Parts parts, const std::function<void(QSciImage&)>& change, const QString& logParameters)
 {
     if (items.isEmpty())
         return;
     OperationScope scope(&project, tabFor(project, items), name);
+    scope.setLogParameters(logParameters);
     for (QSciImage* item : items) {
         if (!scope.record(item, parts))
             return scope.rollback(); // without a saved state the change could not be undone
@@ -120,8 +121,10 @@ bool ItemOperations::recalibrateZ(
             *message = tr("Recalibrate z-matrix: the result would hold values that are no finite numbers.");
         return false;
     }
-    apply(project, items, tr("Recalibrate z-matrix"), QSciImage::ZPart | QSciImage::HeaderPart,
-        [=](QSciImage& i) { i.recalibrateZ(multiply, add); });
+    apply(
+        project, items, tr("Recalibrate z-matrix"), QSciImage::ZPart | QSciImage::HeaderPart,
+        [=](QSciImage& i) { i.recalibrateZ(multiply, add); },
+        QStringLiteral("multiply=%1, add=%2").arg(multiply, 0, 'g', 12).arg(add, 0, 'g', 12));
     return true;
 }
 
@@ -219,6 +222,16 @@ void ItemOperations::setColorGradient(Project& project, const QList<QSciImage*>&
             if (i.drawZInSciPaint())
                 i.mapZToPicture();
         });
+}
+
+void ItemOperations::setColorRange(Project& project, const QList<QSciImage*>& items, const ColorRange& range)
+{
+    // A range is chosen to be seen: an item showing its picture is switched to its z-matrix in the same step.
+    apply(project, items, tr("Color range"), QSciImage::DisplayPart, [&range](QSciImage& i) {
+        i.setColorRange(range);
+        if (!i.drawZInSciPaint())
+            i.setDrawSwitches(i.drawImageInSciPaint(), i.drawMaskInSciPaint(), i.drawObjectsInSciPaint(), true);
+    });
 }
 
 void ItemOperations::setProperties(Project& project, QSciImage* item, const ItemProperties& properties)

@@ -53,6 +53,11 @@ public:
     /** Thins each mask to its skeleton ("Thinning"). */
     static void thinMask(Project& project, const QList<QSciImage*>& items);
     static void setColorGradient(Project& project, const QList<QSciImage*>& items, const ColorGradient& gradient);
+    /**
+     * Gives every item the same colour range ("Color range"), so a series is coloured alike; items then show
+     * their z-matrix through it.
+     */
+    static void setColorRange(Project& project, const QList<QSciImage*>& items, const ColorRange& range);
     /** Puts edited display and header values back into @p item as one transaction ("Item properties"). */
     static void setProperties(Project& project, QSciImage* item, const ItemProperties& properties);
 
@@ -80,7 +85,10 @@ public:
     /** Copies of the items, each on its source's tab just above it; the copies become the selection. */
     static QList<QSciImage*> duplicate(Project& project, const QList<QSciImage*>& items);
 
-    /** Runs @p change on each item inside one transaction named @p name, recording @p parts first. */
+    /**
+     * Runs @p change on each item inside one transaction named @p name, recording @p parts first;
+     * @p logParameters go into the processing log with the name.
+     */
     static void apply(Project& project, const QList<QSciImage*>& items, const QString& name, QSciImage::Parts parts,
-        const std::function<void(QSciImage&)>& change);
+        const std::function<void(QSciImage&)>& change, const QString& logParameters = QString());
 };

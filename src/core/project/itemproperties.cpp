@@ -17,6 +17,7 @@ ItemProperties ItemProperties::of(const QSciImage& item)
     p.abstractText = item.abstractText();
     p.instrumentHeader = item.instrumentHeader();
     p.textLines = item.textLines();
+    p.processingLog = item.processingLog();
     return p;
 }
 
@@ -33,6 +34,7 @@ void ItemProperties::applyTo(QSciImage& item) const
     item.setAbstractText(abstractText);
     item.setInstrumentHeader(instrumentHeader);
     item.setTextLines(textLines);
+    item.setProcessingLog(processingLog);
 }
 
 bool ItemProperties::operator==(const ItemProperties& o) const
@@ -40,5 +42,6 @@ bool ItemProperties::operator==(const ItemProperties& o) const
     return name == o.name && drawImage == o.drawImage && drawMask == o.drawMask && drawObjects == o.drawObjects
         && drawZ == o.drawZ && opacity == o.opacity && position == o.position && displayElements == o.displayElements
         && sciValues == o.sciValues && zCalibrateMultiply == o.zCalibrateMultiply && zCalibrateAdd == o.zCalibrateAdd
-        && abstractText == o.abstractText && instrumentHeader == o.instrumentHeader && textLines == o.textLines;
+        && abstractText == o.abstractText && instrumentHeader == o.instrumentHeader && textLines == o.textLines
+        && processingLog == o.processingLog;
 }

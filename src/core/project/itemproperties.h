@@ -32,6 +32,7 @@ struct ItemProperties {
     QString abstractText;
     QList<QPair<QString, QString>> instrumentHeader;
     QStringList textLines;
+    QStringList processingLog; ///< the user may trim it, never extend it by hand
 
     static ItemProperties of(const QSciImage& item);
     void applyTo(QSciImage& item) const;

@@ -51,6 +51,7 @@ ObjectOperations::Outcome ObjectOperations::recognise(Project& project, const QL
         guarded.append(item);
     OperationScope scope(
         &project, project.tabOf(items.first()), QCoreApplication::translate("ObjectOperations", "Object recognition"));
+    scope.setLogParameters(options.summary());
     const ObjectReidentification series(options);
     QList<QSciSingleObject> previous;
     bool first = true, changed = false;

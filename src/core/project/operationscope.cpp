@@ -4,6 +4,7 @@
 #include "project.h"
 
 #include "core/history/qscihistorymanager.h"
+#include "core/items/processinglog.h"
 
 OperationScope::OperationScope(Project* project, CollectionTab* tab, const QString& name)
     : m_project(project)
@@ -28,7 +29,14 @@ bool OperationScope::record(QSciImage* item, QSciImage::Parts parts)
 {
     if (!m_busy && qint64(item->width()) * item->height() >= BusyPoints)
         m_busy = std::make_unique<BusyIndicator::Scope>();
-    return QSciHistoryManager::instance()->saveItem(item, parts);
+    if (!QSciHistoryManager::instance()->saveItem(item, parts))
+        return false;
+    constexpr QSciImage::Parts logged = QSciImage::ZPart | QSciImage::MaskPart | QSciImage::ObjectsPart;
+    if ((parts & logged) && !m_loggedSerials.contains(item->serial())) {
+        m_loggedSerials.insert(item->serial());
+        m_logged.append(item);
+    }
+    return true;
 }
 
 void OperationScope::recordCreated(QSciImage* item)
@@ -51,6 +59,11 @@ void OperationScope::commit()
     if (!m_open)
         return;
     m_open = false;
+    // The history saved the items before their lines were added, so undo takes a line away with its change;
+    // a cancelled operation writes none.
+    for (const QPointer<QSciImage>& item : qAsConst(m_logged))
+        if (item)
+            ProcessingLog::append(*item, m_name, m_logParameters);
     if (m_owns)
         QSciHistoryManager::instance()->commitTransaction();
     if (m_project)

@@ -2,6 +2,9 @@
 
 #include "core/items/qsciimage.h"
 
+#include <QList>
+#include <QPointer>
+#include <QSet>
 #include <QString>
 #include <memory>
 
@@ -23,6 +26,11 @@ public:
     OperationScope& operator=(const OperationScope&) = delete;
 
     QString name() const { return m_name; }
+    /**
+     * Parameters of the operation ("radius=2") for the processing log: commit() adds a line of the name and
+     * these to each item whose z-matrix, mask or objects were recorded, so the line is undone with the change.
+     */
+    void setLogParameters(const QString& parameters) { m_logParameters = parameters; }
     /** Saves @p parts of @p item as they are now; false when that failed and the item must not change. */
     [[nodiscard]] bool record(QSciImage* item, QSciImage::Parts parts);
     /** @p item was just made by the operation; undo removes it again. */
@@ -44,6 +52,9 @@ private:
     Project* m_project;
     CollectionTab* m_tab;
     QString m_name;
+    QString m_logParameters;
+    QSet<quint64> m_loggedSerials;
+    QList<QPointer<QSciImage>> m_logged;
     bool m_open = true;
     bool m_owns = false;
 };

@@ -238,6 +238,22 @@ QWidget* FormItemProperties::buildAdvancedPage()
     layout->addWidget(new QLabel(tr("Abstract:"), page));
     layout->addWidget(m_abstract);
     layout->addLayout(lists, 1);
+
+    // The log records how the item was made: lines can be removed, but not written by hand.
+    m_processingLog = new QListWidget(page);
+    m_processingLog->setObjectName(QStringLiteral("lwProcessingLog"));
+    m_processingLog->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_processingLog->setMaximumHeight(110);
+    auto* removeLog = smallButton(tr("Remove line"), "pbRemoveProcessingLogLine", page);
+    connect(removeLog, &QPushButton::clicked, this, [this] {
+        for (int row : selectedRowsDescending(m_processingLog))
+            delete m_processingLog->takeItem(row);
+    });
+    auto* logGroup = new QGroupBox(tr("Processing log"), page);
+    auto* logLayout = new QVBoxLayout(logGroup);
+    logLayout->addWidget(m_processingLog, 1);
+    logLayout->addWidget(removeLog, 0, Qt::AlignLeft);
+    layout->addWidget(logGroup);
     return page;
 }
 
@@ -296,6 +312,8 @@ void FormItemProperties::setProperties(const ItemProperties& p, Mode mode)
     m_textLines->clear();
     for (const QString& line : p.textLines)
         m_textLines->addItem(editableLine(line));
+    m_processingLog->clear();
+    m_processingLog->addItems(p.processingLog);
     updateOk();
 }
 
@@ -340,6 +358,9 @@ ItemProperties FormItemProperties::properties() const
     p.textLines.clear();
     for (int r = 0; r < m_textLines->count(); ++r)
         p.textLines.append(m_textLines->item(r)->text());
+    p.processingLog.clear();
+    for (int r = 0; r < m_processingLog->count(); ++r)
+        p.processingLog.append(m_processingLog->item(r)->text());
     return p;
 }
 

@@ -80,5 +80,6 @@ private:
     QPlainTextEdit* m_abstract = nullptr;
     QTableWidget* m_header = nullptr;
     QListWidget* m_textLines = nullptr;
+    QListWidget* m_processingLog = nullptr;
     QVector<NumberField*> m_numbers;
 };

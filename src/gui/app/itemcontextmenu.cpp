@@ -73,6 +73,7 @@ const Entry entries[] = {
     ENTRY(G("Z-matrix"), "Recalibrate z-matrix", "popupImageList_recalibrateZ"),
     ENTRY(G("Z-matrix"), "Image processing...", "popupImageList_imageProcessing"),
     ENTRY(nullptr, "Select color gradient", "popupImageList_selectColorGradient"),
+    ENTRY(nullptr, "Color range...", "popupImageList_selectColorRange"),
     ENTRY(G("Clear"), "Picture", "popupImageList_clearPicture"),
     ENTRY(G("Clear"), "Object-Layer", "popupImageList_clearObjects"),
     ENTRY(G("Clear"), "Mask", "popupImageList_clearMask"),

@@ -45,7 +45,9 @@
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
 #include "gui/import/fileimport.h"
+#include "gui/import/formbrowse.h"
 #include "gui/display/formchoosecolorgradient.h"
+#include "gui/display/formcolorrange.h"
 #include "gui/help/forminfo.h"
 #include "gui/help/helpbrowser.h"
 #include "gui/tools/toolbox.h"
@@ -162,6 +164,9 @@ MainWindow::MainWindow(QWidget* parent)
     m_formInfo = new FormInfo(this);
     wireHelpActions();
     m_fileImport = new FileImport(this);
+    m_formBrowse = new FormBrowse(this);
+    connect(m_formBrowse, &FormBrowse::openRequested, this, &MainWindow::openBrowsedFiles);
+    m_formColorRange = new FormColorRange(this);
     setAcceptDrops(true);
     createTimers();
     readSettings();

@@ -16,6 +16,8 @@ class DocumentsDock;
 class TablesPanel;
 class TextsPanel;
 class FileImport;
+class FormBrowse;
+class FormColorRange;
 class FormAdvancedAlignment;
 class FormChooseColorGradient;
 class FormItemProperties;
@@ -188,6 +190,7 @@ private slots:
     void popupImageList_recalibrateZ();
     void popupImageList_imageProcessing();
     void popupImageList_selectColorGradient();
+    void popupImageList_selectColorRange();
     void popupImageList_clearPicture();
     void popupImageList_clearObjects();
     void popupImageList_clearMask();
@@ -200,6 +203,8 @@ private slots:
 
     // File menu.
     void openItems();
+    /** Opens what the file browser hands over onto the current tab. */
+    void openBrowsedFiles(const QStringList& paths);
     void newBlankItem();
     void saveSelectedItems();
     void saveItemsOnCurrentTab();
@@ -301,6 +306,8 @@ private:
     HelpBrowser* m_helpBrowser = nullptr;
     FormInfo* m_formInfo = nullptr;
     FileImport* m_fileImport = nullptr;
+    FormBrowse* m_formBrowse = nullptr;
+    FormColorRange* m_formColorRange = nullptr;
     QAction* m_undoAction = nullptr;
     QAction* m_redoAction = nullptr;
     QLabel* m_statusLabel = nullptr;

@@ -39,6 +39,7 @@
 #include "gui/tables/tablespanel.h"
 #include "gui/tables/textspanel.h"
 #include "gui/import/fileimport.h"
+#include "gui/import/formbrowse.h"
 #include "gui/media/movieactions.h"
 #include "itemrenderer.h"
 #include "mainactions.h"
@@ -111,6 +112,20 @@ void MainWindow::wireFileActions()
             [this](const QString& html) { appendOutput(html); }, [this] { return selectedItems(); } });
     m_actions->wire("actionImport_movie", movies, &MovieActions::importMovie);
     m_actions->wire("actionExport_movie", movies, &MovieActions::exportMovie);
+    m_actions->wire("actionBrowse", this, [this] {
+        m_formBrowse->show();
+        m_formBrowse->raise();
+        m_formBrowse->activateWindow();
+    });
+}
+
+void MainWindow::openBrowsedFiles(const QStringList& paths)
+{
+    for (const QString& path : paths) {
+        QString message;
+        if (!openFile(path, &message) || !message.isEmpty())
+            showMessage(tr("Open"), message);
+    }
 }
 
 // ---- hooks ---------------------------------------------------------------------------------------------------

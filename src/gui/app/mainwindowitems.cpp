@@ -17,6 +17,7 @@
 #include "gui/analysis/objectanalysisactions.h"
 #include "gui/processing/formimageprocessing.h"
 #include "gui/display/formchoosecolorgradient.h"
+#include "gui/display/formcolorrange.h"
 #include "core/history/qscihistorymanager.h"
 #include "core/project/collectiontab.h"
 #include "core/project/itemarrangement.h"
@@ -65,6 +66,7 @@ const Requirement requirements[] = {
     { "popupImageList_clearPicture", 1 }, { "popupImageList_clearObjects", 1 }, { "popupImageList_clearMask", 1 },
     { "popupImageList_duplicate", 1 }, { "popupImageList_alignAdvanced", 2 },
     { "popupImageList_recalibrateZ", 1 }, { "popupImageList_imageProcessing", 1 }, { "popupImageList_selectColorGradient", 1 },
+    { "popupImageList_selectColorRange", 1 },
     { "popupImageList_DisplayInfo", 1 }, { "popupImageList_info", 1 },
     { "on_tb3dPlot_clicked", 1 }, { "on_pb3dplotOpenGL_clicked", 1 },
 };
@@ -500,6 +502,14 @@ void MainWindow::popupImageList_selectColorGradient()
     if (runDialog(m_formChooseColorGradient) == QDialog::Accepted)
         ItemOperations::setColorGradient(*m_project, items, m_formChooseColorGradient->gradient());
     m_formChooseColorGradient->setPreviewItem(nullptr);
+}
+
+void MainWindow::popupImageList_selectColorRange()
+{
+    const QList<QSciImage*> items = selectedItems();
+    m_formColorRange->setItems(items);
+    if (runDialog(m_formColorRange) == QDialog::Accepted)
+        ItemOperations::setColorRange(*m_project, items, m_formColorRange->range());
 }
 
 void MainWindow::popupImageList_clearPicture()

@@ -69,8 +69,10 @@ bool sameItem(const QSciImage& a, const QSciImage& b, QString* why)
         return fail("header");
     if (a.tabRect() != b.tabRect() || a.isVisible() != b.isVisible())
         return fail("place");
-    if (a.colorGradient() != b.colorGradient())
+    if (a.colorGradient() != b.colorGradient() || a.colorRange() != b.colorRange())
         return fail("gradient");
+    if (a.processingLog() != b.processingLog())
+        return fail("processing log");
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "samplefiles.h"
 #include "core/import/importsupport.h"
 #include "core/import/instrumentimporters.h"
+#include "core/items/qsciimage.h"
 
 #include <QDir>
 #include <QFile>
@@ -180,6 +181,21 @@ private slots:
         quint32 count = 0x40000000;
         gwy.replace(data, 4, reinterpret_cast<const char*>(&count), 4);
         QVERIFY(!InstrumentImporters::readData(gwy, QStringLiteral("x.gwy"), &f, &m));
+    }
+
+    void importedItemsStartTheirLogWithTheirSource()
+    {
+        InstrumentFile file;
+        ImportedChannel channel;
+        channel.title = QStringLiteral("Z forward");
+        channel.width = channel.height = 2;
+        channel.z = { 1, 2, 3, 4 };
+        file.channels.append(channel);
+        QSciImage item;
+        InstrumentImporters::toItem(file, 0, QStringLiteral("/data/scan 7.sxm"), item);
+        QCOMPARE(item.processingLog().size(), 1);
+        QVERIFY2(item.processingLog().first().endsWith(QStringLiteral("Import  file=scan 7.sxm, channel=Z forward")),
+            qPrintable(item.processingLog().first()));
     }
 };
 

@@ -74,6 +74,12 @@ inline std::unique_ptr<QSciImage> sampleItem(int width, int height, quint32 seed
     item->setDrawSwitches(false, true, false, true);
     item->setOpacity(0.75);
     item->setColorGradient(ColorGradient::builtIn(15));
+    ColorRange range;
+    range.mode = ColorRange::Mode::Fixed;
+    range.minimum = -1.0 / 3.0;
+    range.maximum = 2e-9;
+    item->setColorRange(range);
+    item->setProcessingLog({ QStringLiteral("2026-01-02 03:04:05  Denoise  radius=2|3"), QString() });
     item->setObjects({ sampleObject(1), sampleObject(2) });
     return item;
 }
@@ -115,6 +121,10 @@ inline QString difference(const QSciImage& a, const QSciImage& b)
         return QStringLiteral("drawing switches");
     if (!(a.colorGradient() == b.colorGradient()))
         return QStringLiteral("gradient");
+    if (a.colorRange() != b.colorRange())
+        return QStringLiteral("color range");
+    if (a.processingLog() != b.processingLog())
+        return QStringLiteral("processing log");
     if (a.objects() != b.objects())
         return QStringLiteral("objects");
     return QString();
