@@ -16,14 +16,14 @@ using Object = QSciSingleObject;
 using Member = std::variant<double Object::*, int Object::*, bool Object::*, QPoint Object::*, QRect Object::*,
     QColor Object::*>;
 
-struct FieldSpec {
+struct FieldLayout {
     QString key;
     Member member;
 };
 
 struct ChapterLayout {
     QString name;
-    QVector<FieldSpec> fields;
+    QVector<FieldLayout> fields;
 };
 
 struct PointListLayout {
@@ -32,14 +32,14 @@ struct PointListLayout {
 };
 
 #define VELMORA_FIELD(name)                                                                                            \
-    FieldSpec                                                                                                          \
+    FieldLayout                                                                                                        \
     {                                                                                                                  \
         QStringLiteral(#name), &Object::name                                                                           \
     }
 #define VELMORA_ELEMENT(name) VELMORA_FIELD(name##Color), VELMORA_FIELD(name##Visible)
 
 // Every serialised scalar field, by chapter, in the order the record writes them.
-const QVector<ChapterLayout>& chapterSpecs()
+const QVector<ChapterLayout>& chapterLayouts()
 {
     static const QVector<ChapterLayout> layouts {
         { QStringLiteral("firstChapter"),
@@ -80,7 +80,7 @@ const QVector<ChapterLayout>& chapterSpecs()
 #undef VELMORA_ELEMENT
 #undef VELMORA_FIELD
 
-const QVector<PointListLayout>& pointListSpecs()
+const QVector<PointListLayout>& pointListLayouts()
 {
     static const QVector<PointListLayout> layouts {
         { QStringLiteral("borderPixels"), &Object::borderPixels },
@@ -267,14 +267,14 @@ QString QSciSingleObject::toString() const
     writer.addField(QStringLiteral("type"), QStringLiteral("QSciSingleObject"));
     writer.addField(QStringLiteral("version"), QStringLiteral("1"));
     writer.endChapter();
-    for (const ChapterLayout& chapter : chapterSpecs()) {
+    for (const ChapterLayout& chapter : chapterLayouts()) {
         writer.beginChapter(chapter.name);
-        for (const FieldSpec& field : chapter.fields)
+        for (const FieldLayout& field : chapter.fields)
             writer.addField(field.key, std::visit([this](auto member) { return format(this->*member); }, field.member));
         writer.endChapter();
     }
     writer.beginChapter(QStringLiteral("pixelSection"));
-    for (const PointListLayout& list : pointListSpecs())
+    for (const PointListLayout& list : pointListLayouts())
         writePointList(writer, list.name, this->*list.member);
     writer.endChapter();
     return writer.text();
@@ -288,11 +288,11 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
     const TaggedTextNode* header = ok ? root.chapter(QStringLiteral("header")) : nullptr;
     ok = header && header->field(QStringLiteral("type")) == QLatin1String("QSciSingleObject");
 
-    for (const ChapterLayout& chapter : chapterSpecs()) {
+    for (const ChapterLayout& chapter : chapterLayouts()) {
         const TaggedTextNode* node = ok ? root.chapter(chapter.name) : nullptr;
         if (!node)
             continue;
-        for (const FieldSpec& field : chapter.fields) {
+        for (const FieldLayout& field : chapter.fields) {
             // A value that does not read keeps the default, like a missing one.
             if (const QString* value = node->findField(field.key))
                 std::visit([&read, value](auto member) { parse(*value, read.*member); }, field.member);
@@ -301,7 +301,7 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
     // The pixel lists come last in every record: without them the text was cut off, not merely older.
     const TaggedTextNode* pixels = ok ? root.chapter(QStringLiteral("pixelSection")) : nullptr;
     ok = ok && pixels;
-    for (const PointListLayout& list : pointListSpecs()) {
+    for (const PointListLayout& list : pointListLayouts()) {
         if (pixels)
             ok = ok && readPointList(pixels->chapter(list.name), read.*list.member);
     }
@@ -319,13 +319,13 @@ bool QSciSingleObject::fromString(const QString& text, QString* message)
 
 bool QSciSingleObject::operator==(const QSciSingleObject& other) const
 {
-    for (const ChapterLayout& chapter : chapterSpecs()) {
-        for (const FieldSpec& field : chapter.fields) {
+    for (const ChapterLayout& chapter : chapterLayouts()) {
+        for (const FieldLayout& field : chapter.fields) {
             if (!std::visit([this, &other](auto member) { return this->*member == other.*member; }, field.member))
                 return false;
         }
     }
-    for (const PointListLayout& list : pointListSpecs()) {
+    for (const PointListLayout& list : pointListLayouts()) {
         if (this->*list.member != other.*list.member)
             return false;
     }
