@@ -139,17 +139,17 @@ struct BlockBounds {
     int bw = 0, bh = 0;
     bool partialX = false, partialY = false; ///< the last block column (row) is cut by the image edge
     /** Per block the two lowest and the two highest values: one spike then costs a bound one point, not the block. */
-    std::vector<double> low, low2, high, high2;
+    struct Bounds {
+        double low, low2, high, high2;
+    };
+    std::vector<Bounds> blocks;
     std::vector<std::vector<Entry>> patterns;
     bool usable = true;
 
     BlockBounds(const RecognitionInput& in, const std::vector<std::pair<int, int>>& circle)
         : bw((in.width + B - 1) / B)
         , bh((in.height + B - 1) / B)
-        , low(size_t(bw) * bh)
-        , low2(size_t(bw) * bh)
-        , high(size_t(bw) * bh)
-        , high2(size_t(bw) * bh)
+        , blocks(size_t(bw) * bh)
         , patterns(B * B)
     {
         partialX = in.width % B != 0;
@@ -171,10 +171,7 @@ struct BlockBounds {
                 // NaN escapes min and max: a matrix with gaps takes the long way.
                 if (!std::isfinite(lo) || !std::isfinite(hi))
                     finite = false;
-                low[size_t(bx) * bh + by] = lo;
-                low2[size_t(bx) * bh + by] = lo2;
-                high[size_t(bx) * bh + by] = hi;
-                high2[size_t(bx) * bh + by] = hi2;
+                blocks[size_t(bx) * bh + by] = Bounds { lo, lo2, hi, hi2 };
             }
         });
         for (qsizetype i = 0; finite && i < qsizetype(in.width) * in.height; i += 1)
@@ -211,7 +208,7 @@ struct BlockBounds {
             if (cx < 0 || cy < 0 || cx >= bw || cy >= bh)
                 continue;
             const size_t i = size_t(cx) * bh + size_t(cy);
-            seen += (sign > 0 ? low[i] : -high[i]) <= limit ? size_t(e.count) : 0;
+            seen += (sign > 0 ? blocks[i].low : -blocks[i].high) <= limit ? size_t(e.count) : 0;
         }
         return seen <= rank;
     }
@@ -234,8 +231,9 @@ struct BlockBounds {
             const size_t i = size_t(cx) * bh + size_t(cy);
             n += size_t(e.count);
             // Below the second lowest only the lowest point can be, and only if it is one of the circle's.
-            b += low2[i] <= lowLimit ? size_t(e.count) : low[i] <= lowLimit ? 1 : 0;
-            a += high2[i] >= highLimit ? size_t(e.count) : high[i] >= highLimit ? 1 : 0;
+            const Bounds& k = blocks[i];
+            b += k.low2 <= lowLimit ? size_t(e.count) : k.low <= lowLimit ? 1 : 0;
+            a += k.high2 >= highLimit ? size_t(e.count) : k.high >= highLimit ? 1 : 0;
         }
         *below = b;
         *above = a;
