@@ -6,6 +6,7 @@
 
 #include "core/analysis/imagesegmentation.h"
 #include "core/analysis/objectmeasures.h"
+#include "core/analysis/objectrecognitionoptions.h"
 #include "core/base/parallel.h"
 #include "core/items/qsciimage.h"
 #include "core/items/qscisingleobject.h"
@@ -66,7 +67,7 @@ bool store(OperationScope& scope, QSciImage* item, QList<QSciSingleObject> found
         o.visible = true;
         o.borderVisible = true;
         o.labelVisible = true;
-        o.lableSize = 12;
+        o.lableSize = ObjectRecognitionOptions().labelSize;
     }
     QList<QSciSingleObject> layer = item->objects();
     layer.append(found);

@@ -42,6 +42,7 @@
 #include "formrecalibratez.h"
 #include "gui/analysis/objectanalysisactions.h"
 #include "gui/analysis/segmentationactions.h"
+#include "gui/processing/compositionactions.h"
 #include "gui/processing/formfouriertransform.h"
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
@@ -114,6 +115,8 @@ MainWindow::MainWindow(QWidget* parent)
     connect(objects, &ObjectAnalysisActions::messageRequested, this, &MainWindow::showMessage);
     auto* segmentation = new SegmentationActions(this, m_actions);
     connect(segmentation, &SegmentationActions::messageRequested, this, &MainWindow::showMessage);
+    auto* composition = new CompositionActions(this, m_actions);
+    connect(composition, &CompositionActions::messageRequested, this, &MainWindow::showMessage);
     const std::pair<const char*, QString> pages[] = {
         { "actionPlane_correction", QStringLiteral("PlaneCorrectionPanel") },
         { "actionDrift_correction", QStringLiteral("DriftCorrectionPanel") },
