@@ -11,6 +11,7 @@
 #include "core/items/qscisingleobject.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -93,7 +94,11 @@ bool VoronoiOperations::construct(
 
     OperationScope scope(&project, tab, name);
     QSciImage* added = result.release();
-    added->setPosition(item->right() + 1 + Gap, item->top());
+    // Right of everything on the tab: a spectrum or an earlier map often sits right beside the item.
+    int right = item->right();
+    for (const QSciImage* other : tab->items())
+        right = std::max(right, other->right());
+    added->setPosition(right + 1 + Gap, item->top());
     item->setSelected(false);
     added->setSelected(true);
     tab->addItem(added, tab->indexOf(item) + 1);
