@@ -20,7 +20,7 @@ QSciImage* part(int w, int h, double ox, double oy, int tag)
     for (int x = 0; x < w; ++x)
         for (int y = 0; y < h; ++y)
             item->setZ(x, y, 100 * tag + x * 10 + y);
-    item->setName(QStringLiteral("part %1").arg(tag));
+    item->setName(QStringLiteral("tile %1").arg(tag));
     return item;
 }
 
@@ -54,7 +54,7 @@ private slots:
         composed->setZ(1, 1, -5);
         const QList<QSciImage*> parts = ImageComposition::recomposeInto(project, composed, &message);
         QCOMPARE(parts.size(), 2);
-        QCOMPARE(parts.first()->name(), QStringLiteral("part 1"));
+        QCOMPARE(parts.first()->name(), QStringLiteral("tile 1"));
         QCOMPARE(parts.first()->z(1, 1), -5.0);
         QCOMPARE(parts.last()->sciValues().offsetY, 20.5);
         QCOMPARE(parts.last()->zMatrix(), b->zMatrix());
@@ -71,7 +71,7 @@ private slots:
         coarse->setSciValues(s);
         tab->addItem(coarse);
         QVERIFY(!ImageComposition::composeInto(project, { a, coarse }, &message));
-        QVERIFY(message.contains(QStringLiteral("part 3")));
+        QVERIFY(message.contains(QStringLiteral("tile 3")));
     }
 };
 
