@@ -5,6 +5,7 @@
 #include "effectcommands.h"
 #include "objectcommands.h"
 #include "toolcommands.h"
+#include "segmentationcommands.h"
 
 #include "core/display/colorgradient.h"
 #include "core/history/qscihistorymanager.h"
@@ -152,7 +153,8 @@ const QList<QPair<QString, Operation>>& operations()
         { QStringLiteral("set-gradient"), setGradient },
         { QStringLiteral("set-color-range"), setColorRange },
         { QStringLiteral("cut-to-mask-border"), simple(&ItemOperations::cutToMaskBorder) },
-    } + EffectCommands::operations() + ObjectCommands::operations() + ToolCommands::operations();
+    } + EffectCommands::operations() + ObjectCommands::operations() + ToolCommands::operations()
+        + SegmentationCommands::operations();
     return list;
 }
 
@@ -198,7 +200,7 @@ const CliCommandRegistration registration({ { QStringLiteral("apply"),
                          "set-gradient --builtin N | --token TEXT; "
                          "set-color-range --zrange MIN:MAX | --zrange-cut PERCENT | --full\n  ")
         + EffectCommands::usage() + QStringLiteral("\n  objects [") + ObjectCommands::optionUsage()
-        + QStringLiteral("]\n  ") + ToolCommands::usage(),
+        + QStringLiteral("]\n  ") + ToolCommands::usage() + QStringLiteral("\n  ") + SegmentationCommands::usage(),
     QStringLiteral("one operation of the item context menu on an item file"), runApply, 30 } });
 
 } // namespace

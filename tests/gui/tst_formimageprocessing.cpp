@@ -12,6 +12,9 @@
 #include <QSpinBox>
 #include <QTableWidget>
 #include <QTimer>
+#include "gui/plots/formplot.h"
+#include "gui/tables/tablespanel.h"
+#include "core/tables/qscisimpletablemodel.h"
 #include <QtTest>
 
 #include "core/history/qscihistorymanager.h"
@@ -191,6 +194,16 @@ private slots:
         QTRY_VERIFY(table->isVisible());
         QCOMPARE(table->item(0, 0)->text(), QStringLiteral("Sa"));
         QVERIFY(table->item(0, 1)->text().toDouble() > 0);
+
+        // The radial curves open as plot windows; the parameters go to a table of their own.
+        m_window->findChild<QPushButton*>(QStringLiteral("pbPsdPlot"))->click();
+        const QList<FormPlot*> plots = m_window->findChildren<FormPlot*>();
+        QCOMPARE(plots.size(), 1);
+        QVERIFY(plots.first()->document().curves.first().pointCount() > 5);
+        const int tables = m_window->tablesPanel()->allTables().size();
+        m_window->findChild<QPushButton*>(QStringLiteral("pbRoughnessTable"))->click();
+        QCOMPARE(m_window->tablesPanel()->allTables().size(), tables + 1);
+        QCOMPARE(m_window->tablesPanel()->allTables().last().second->cellText(1, 0), QStringLiteral("Sa"));
     }
 
 private:

@@ -11,13 +11,17 @@
 #include <limits>
 #include <vector>
 
-namespace {
-
-// FFTW's planner is not thread-safe; execution is.
-QMutex& plannerLock()
+QMutex& FourierTransform::plannerLock()
 {
     static QMutex lock;
     return lock;
+}
+
+namespace {
+
+QMutex& plannerLock()
+{
+    return FourierTransform::plannerLock();
 }
 
 /** The half spectrum of a W x H matrix laid out column by column: W x (H / 2 + 1) complex values. */

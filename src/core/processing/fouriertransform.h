@@ -3,6 +3,7 @@
 #include <QString>
 #include <memory>
 
+class QMutex;
 class QSciImage;
 
 /**
@@ -27,4 +28,6 @@ public:
      * (dx, dy) at (W / 2 + dx, H / 2 + dy), periodic at the edges.
      */
     static void autocorrelation(const double* z, int width, int height, double* out);
+    /** FFTW's planner is not thread-safe (execution is): every plan is made and destroyed under this lock. */
+    static QMutex& plannerLock();
 };

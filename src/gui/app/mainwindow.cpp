@@ -41,6 +41,8 @@
 #include "formnewimage.h"
 #include "formrecalibratez.h"
 #include "gui/analysis/objectanalysisactions.h"
+#include "gui/analysis/segmentationactions.h"
+#include "gui/processing/compositionactions.h"
 #include "gui/processing/formfouriertransform.h"
 #include "gui/processing/formimageprocessing.h"
 #include "gui/processing/formroughness.h"
@@ -60,6 +62,8 @@
 #include "toolsdock.h"
 #include "undoredomenu.h"
 #include "gui/tables/tablespanel.h"
+#include "core/tables/qscisimpletablemodel.h"
+#include "core/tables/tabletext.h"
 #include "gui/tables/textspanel.h"
 #include "gui/script/scriptspanel.h"
 
@@ -109,6 +113,10 @@ MainWindow::MainWindow(QWidget* parent)
     connect(m_formImageProcessing, &FormImageProcessing::messageRequested, this, &MainWindow::showMessage);
     auto* objects = new ObjectAnalysisActions(this, m_actions, m_formImageProcessing);
     connect(objects, &ObjectAnalysisActions::messageRequested, this, &MainWindow::showMessage);
+    auto* segmentation = new SegmentationActions(this, m_actions);
+    connect(segmentation, &SegmentationActions::messageRequested, this, &MainWindow::showMessage);
+    auto* composition = new CompositionActions(this, m_actions);
+    connect(composition, &CompositionActions::messageRequested, this, &MainWindow::showMessage);
     const std::pair<const char*, QString> pages[] = {
         { "actionPlane_correction", QStringLiteral("PlaneCorrectionPanel") },
         { "actionDrift_correction", QStringLiteral("DriftCorrectionPanel") },
@@ -153,6 +161,10 @@ MainWindow::MainWindow(QWidget* parent)
     m_formRoughness = new FormRoughness(this);
     connect(m_formRoughness, &FormRoughness::outputRequested, this, &MainWindow::appendOutput);
     connect(m_formRoughness, &FormRoughness::messageRequested, this, &MainWindow::showMessage);
+    m_formRoughness->addTable = [this](const QVector<QStringList>& rows, const QString& title) {
+        if (auto model = TableText::toModel(rows, rows.isEmpty() ? 0 : rows.first().size()))
+            m_tablesPanel->addTable(std::move(model), title);
+    };
     m_actions->wire("actionRoughness_analysis", this, [this] {
         if (QSciImage* item = currentItem())
             m_formRoughness->showFor(item);

@@ -1,7 +1,10 @@
+#include "core/processing/radialspectra.h"
 #include "core/processing/roughness.h"
 
 #include <QtTest>
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 class TestRoughness : public QObject {
     Q_OBJECT
@@ -60,6 +63,30 @@ private slots:
         QCOMPARE(Roughness::metres(QStringLiteral("nm")), 1e-9);
         QCOMPARE(Roughness::metres(QStringLiteral("\u00b5m")), 1e-6);
         QCOMPARE(Roughness::metres(QStringLiteral("pA")), 0.0);
+    }
+
+    void radialSpectraOfASinusoid()
+    {
+        // Period 8 points of 0.5 units along x, amplitude 2, on a 64 x 48 field offset by 5.
+        constexpr int W = 64, H = 48;
+        std::vector<double> z(size_t(W) * H);
+        for (int x = 0; x < W; ++x)
+            for (int y = 0; y < H; ++y)
+                z[size_t(x) * H + y] = 5 + 2 * std::sin(2 * M_PI * x / 8);
+        const RadialSpectra::Curve psd = RadialSpectra::powerSpectralDensity(z.data(), W, H, 0.5, 0.5);
+        const int peak = int(std::max_element(psd.y.begin(), psd.y.end()) - psd.y.begin());
+        QVERIFY(qAbs(psd.x.at(peak) - 1 / 4.0) < 1e-12);
+        QCOMPARE(psd.x.last(), 1.0); // the Nyquist frequency
+        QVERIFY(psd.y.first() < 1e-20); // the mean is removed
+
+        // About the mean, at lag 0 the autocorrelation is the variance; over a ring it follows the angular mean of
+        // the cosine along x, 2 J0(2 pi r / 4).
+        const RadialSpectra::Curve acf = RadialSpectra::autocorrelation(z.data(), W, H, 0.5, 0.5);
+        QVERIFY(qAbs(acf.y.first() - 2.0) < 1e-9);
+        for (const int ring : { 2, 4, 8 })
+            QVERIFY2(qAbs(acf.y.at(ring) - 2 * std::cyl_bessel_j(0.0, 2 * M_PI * acf.x.at(ring) / 4)) < 0.15,
+                qPrintable(QString::number(acf.y.at(ring))));
+        QCOMPARE(acf.x.last(), 12.0); // half the shorter side
     }
 };
 
