@@ -667,8 +667,6 @@ bool ItemFile::load(QSciImage& item, const QString& path, bool setFileName, bool
         QSciSingleObject object;
         if (!object.fromString(text, &problem))
             return fail(problem);
-        // The record keeps no number of its own: objects are numbered in the order the layer holds them.
-        object.objectNumber = objects.size() + 1;
         objects.append(object);
     }
     Content content;
