@@ -79,7 +79,7 @@ private slots:
         analyse->setTarget(nullptr, item);
         analyse->beginDrag(at, Qt::LeftButton);
         analyse->endDrag(at, Qt::LeftButton);
-        QCOMPARE(analyse->lastObject(), first.objectNumber);
+        QCOMPARE(analyse->lastObject(), first.numberAt(0));
 
         auto* edit = m_window->toolBox()->tool(QStringLiteral("EDIT_OBJECT"));
         edit->setProject(m_window->project());

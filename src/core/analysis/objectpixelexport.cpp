@@ -46,18 +46,19 @@ bool ObjectPixelExport::write(const QList<const QSciImage*>& items, Pixels pixel
     QString all = header;
     for (const QSciImage* item : items) {
         QString perImage = header;
-        for (const QSciSingleObject& o : item->objects()) {
+        for (int index = 0; index < item->objects().size(); ++index) {
+            const QSciSingleObject& o = item->objects().at(index);
+            const int number = o.numberAt(index);
             QString lines;
             const QString prefix
-                = csvField(item->name()) + QLatin1Char(',') + QString::number(o.objectNumber) + QLatin1Char(',');
+                = csvField(item->name()) + QLatin1Char(',') + QString::number(number) + QLatin1Char(',');
             for (const QPoint& p : listOf(o, pixels))
                 lines
                     += prefix + QString::number(p.x()) + QLatin1Char(',') + QString::number(p.y()) + QLatin1Char('\n');
             all += lines;
             perImage += lines;
             if (files == Files::PerObject)
-                out.append({ QDir(target).filePath(
-                                 QStringLiteral("%1_%2.csv").arg(safeName(item->name())).arg(o.objectNumber)),
+                out.append({ QDir(target).filePath(QStringLiteral("%1_%2.csv").arg(safeName(item->name())).arg(number)),
                     header + lines });
         }
         if (files == Files::PerImage && !item->objects().isEmpty())

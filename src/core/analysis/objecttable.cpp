@@ -81,7 +81,7 @@ QStringList ObjectTable::labels(bool physical)
     return list;
 }
 
-QStringList ObjectTable::row(const QSciSingleObject& o, const QSciImage& item, bool physical)
+QStringList ObjectTable::row(const QSciSingleObject& o, int index, const QSciImage& item, bool physical)
 {
     const double sx = physical ? item.sciValues().xUnitPerPixel : 1;
     const double sy = physical ? item.sciValues().yUnitPerPixel : 1;
@@ -89,7 +89,7 @@ QStringList ObjectTable::row(const QSciSingleObject& o, const QSciImage& item, b
     const QPointF area = ObjectMeasures::centroidOfArea(o);
     const QPointF cubage = ObjectMeasures::centroidOfCubage(o, input);
     return QStringList {
-        QString::number(o.objectNumber),
+        QString::number(o.numberAt(index)),
         o.itemTitle.isEmpty() ? item.name() : o.itemTitle,
         number(o.areaPBM * sx * sy),
         number(o.areaPM * sx * sy),
@@ -144,8 +144,8 @@ QVector<QStringList> ObjectTable::measures(const QList<const QSciImage*>& items,
 {
     QVector<QStringList> rows { labels(physical) };
     for (const QSciImage* item : items)
-        for (const QSciSingleObject& object : item->objects())
-            rows.append(row(object, *item, physical));
+        for (int i = 0; i < item->objects().size(); ++i)
+            rows.append(row(item->objects().at(i), i, *item, physical));
     return rows;
 }
 

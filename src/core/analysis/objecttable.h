@@ -16,7 +16,8 @@ class QSciSingleObject;
 class ObjectTable final {
 public:
     static QStringList labels(bool physical);
-    static QStringList row(const QSciSingleObject& object, const QSciImage& item, bool physical);
+    /** The row of @p object, the one at @p index of @p item's layer. */
+    static QStringList row(const QSciSingleObject& object, int index, const QSciImage& item, bool physical);
     /** The header row, then every object of every item in order. */
     static QVector<QStringList> measures(const QList<const QSciImage*>& items, bool physical);
 

@@ -125,6 +125,10 @@ public:
     QString itemTitle;
     QString timestamp; ///< the item's "timestamp" header value
 
+    /** The number shown for the record at @p index of its layer: records read from files carry none, so they count in
+     * layer order. */
+    int numberAt(int index) const { return objectNumber > 0 ? objectNumber : index + 1; }
+
     QString toString() const;
     /**
      * Reads a record written by toString(). On failure (unreadable text, another record type, a point list

@@ -78,8 +78,8 @@ ObjectOperations::Outcome ObjectOperations::recognise(Project& project, const QL
 
         if (first) {
             int highest = 0;
-            for (const QSciSingleObject& o : item->objects())
-                highest = std::max(highest, o.objectNumber);
+            for (int i = 0; i < item->objects().size(); ++i)
+                highest = std::max(highest, item->objects().at(i).numberAt(i));
             for (QSciSingleObject& o : found)
                 o.objectNumber = ++highest;
         } else if (!series.match(previous, found, referenceObject, message)) {

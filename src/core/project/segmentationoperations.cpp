@@ -57,8 +57,8 @@ bool store(OperationScope& scope, QSciImage* item, QList<QSciSingleObject> found
     if (!scope.record(item, QSciImage::ObjectsPart))
         return false;
     int highest = 0;
-    for (const QSciSingleObject& o : item->objects())
-        highest = std::max(highest, o.objectNumber);
+    for (int i = 0; i < item->objects().size(); ++i)
+        highest = std::max(highest, item->objects().at(i).numberAt(i));
     const QString timestamp = headerValue(*item, QStringLiteral("timestamp"));
     for (QSciSingleObject& o : found) {
         o.objectNumber = ++highest;

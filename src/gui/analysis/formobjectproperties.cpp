@@ -83,7 +83,7 @@ void FormObjectProperties::refresh()
     m_list->setRowCount(objects.size());
     const QStringList labels = ObjectTable::labels(false);
     for (int row = 0; row < objects.size(); ++row) {
-        const QStringList values = ObjectTable::row(objects.at(row), *m_item, false);
+        const QStringList values = ObjectTable::row(objects.at(row), row, *m_item, false);
         auto* visible = new QTableWidgetItem;
         visible->setFlags(Qt::ItemIsUserCheckable | Qt::ItemIsEnabled | Qt::ItemIsSelectable);
         visible->setCheckState(objects.at(row).visible ? Qt::Checked : Qt::Unchecked);
@@ -104,7 +104,7 @@ void FormObjectProperties::showDetails()
         return;
     }
     const QStringList labels = ObjectTable::labels(false);
-    const QStringList values = ObjectTable::row(m_item->objects().at(row), *m_item, false);
+    const QStringList values = ObjectTable::row(m_item->objects().at(row), row, *m_item, false);
     QString html = QStringLiteral("<table>");
     for (int i = 0; i < labels.size(); ++i)
         html += QStringLiteral("<tr><td>%1</td><td>%2</td></tr>")

@@ -69,7 +69,8 @@ QImage ItemRenderer::objectOutlines(const QSciImage& item)
 void ItemRenderer::paintObjectLabels(QPainter* painter, const QSciImage& item)
 {
     const int h = item.height();
-    for (const QSciSingleObject& object : item.objects()) {
+    for (int index = 0; index < item.objects().size(); ++index) {
+        const QSciSingleObject& object = item.objects().at(index);
         if (!object.visible || !object.labelVisible || object.fillPixels.isEmpty())
             continue;
         const QRect box = object.boundingBox;
@@ -78,7 +79,7 @@ void ItemRenderer::paintObjectLabels(QPainter* painter, const QSciImage& item)
         QFont font = painter->font();
         font.setPixelSize(qMax(1, object.lableSize));
         painter->setFont(font);
-        const QString text = QString::number(object.objectNumber);
+        const QString text = QString::number(object.numberAt(index));
         const QRectF rect(centre.x() - 200, centre.y() - 100, 400, 200);
         // A dark halo keeps the number readable on any colour.
         painter->setPen(QColor(0, 0, 0, 160));

@@ -42,12 +42,11 @@ void QToolAnalyseObject::endDrag(const QPoint& point, Qt::MouseButton)
         return;
     }
     const QSciSingleObject& object = target->objects().at(index);
-    m_lastObject = object.objectNumber;
+    m_lastObject = object.numberAt(index);
     const QStringList labels = ObjectTable::labels(false);
-    const QStringList values = ObjectTable::row(object, *target, false);
+    const QStringList values = ObjectTable::row(object, index, *target, false);
     QString panel,
-        html = tr("Object %1 of %2:").arg(object.objectNumber).arg(target->name().toHtmlEscaped())
-        + QStringLiteral("<table>");
+        html = tr("Object %1 of %2:").arg(m_lastObject).arg(target->name().toHtmlEscaped()) + QStringLiteral("<table>");
     for (int i = 0; i < labels.size(); ++i) {
         panel += labels.at(i) + QStringLiteral(": ") + values.value(i) + QLatin1Char('\n');
         html += QStringLiteral("<tr><td>%1</td><td>%2</td></tr>")
@@ -55,6 +54,6 @@ void QToolAnalyseObject::endDrag(const QPoint& point, Qt::MouseButton)
     }
     m_result->setText(panel.trimmed());
     emit outputRequested(html + QStringLiteral("</table>"));
-    emit statusMessageRequested(tr("Object %1: area %2 px").arg(object.objectNumber).arg(object.areaPBM));
+    emit statusMessageRequested(tr("Object %1: area %2 px").arg(m_lastObject).arg(object.areaPBM));
     emit objectAnalysed(target, index);
 }

@@ -263,6 +263,7 @@ private slots:
         QSciImage loaded;
         QVERIFY(ItemFile::load(loaded, path));
         QCOMPARE(loaded.objects().size(), 2);
+        QCOMPARE(loaded.objects().last().numberAt(1), 2); // records carry no number: they count in layer order
         QCOMPARE(loaded.objects().first().fillPixels, before.first().fillPixels);
         QCOMPARE(loaded.objects().first().skeletonPixels, before.first().skeletonPixels);
         QVERIFY(qAbs(loaded.objects().first().compactnessPM - before.first().compactnessPM) < 1e-9);
