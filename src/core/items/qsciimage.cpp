@@ -11,15 +11,25 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace {
 
 /** Below this many points the thread pool costs more than it saves. */
 constexpr qsizetype ParallelPoints = qsizetype(1) << 16;
+/**
+ * The passes that colour the picture run on every change of the display, with the cores often busy elsewhere:
+ * threads take the next band as they come free, so one thread held up does not hold up the picture.
+ */
+constexpr Parallel::Schedule DisplaySchedule = Parallel::Schedule::Dynamic;
 /** Columns per unit of parallel work in the loops over the picture. */
 constexpr int BandColumns = 64;
 
-template <typename Function> void forEachBand(int count, qsizetype points, Function function)
+template <typename Function>
+void forEachBand(
+    int count, qsizetype points, Function function, Parallel::Schedule schedule = Parallel::Schedule::Contiguous)
 {
     if (count <= 1 || points < ParallelPoints) {
         Parallel::clearVectorState();
@@ -27,7 +37,7 @@ template <typename Function> void forEachBand(int count, qsizetype points, Funct
             function(i);
         return;
     }
-    Parallel::forEach(count, function, Parallel::Schedule::Contiguous);
+    Parallel::forEach(count, function, schedule);
 }
 
 inline QRgb* pixelAt(uchar* bits, qsizetype bytesPerLine, int column, int row)
@@ -82,6 +92,23 @@ Matrices transformed(int width, int height, int newWidth, int newHeight, const Q
     return out;
 }
 
+/**
+ * Copies @p count pixels of a tile row into the picture. The picture is far larger than the caches and is not read
+ * back here, so aligned rows bypass them: that saves reading every line in before it is overwritten.
+ */
+inline void putRow(uchar* out, const QRgb* in, int count)
+{
+#ifdef __SSE2__
+    if ((reinterpret_cast<quintptr>(out) & 15) == 0 && count % 4 == 0) {
+        for (int i = 0; i < count; i += 4)
+            _mm_stream_si128(
+                reinterpret_cast<__m128i*>(out) + i / 4, _mm_load_si128(reinterpret_cast<const __m128i*>(in + i)));
+        return;
+    }
+#endif
+    std::memcpy(out, in, size_t(count) * 4);
+}
+
 /** Rows per tile in colorizeColumns(); a band's columns are at most this many, so a tile stays in the L1 cache. */
 constexpr int ColorTile = 64;
 
@@ -116,8 +143,11 @@ void colorizeColumns(
                 out[r * ColorTile] = ramp[index[r]];
         }
         for (int r = 0; r < rows; ++r)
-            std::memcpy(bits + (h - 1 - y0 - r) * bpl + qsizetype(x0) * 4, tile + r * ColorTile, size_t(columns) * 4);
+            putRow(bits + (h - 1 - y0 - r) * bpl + qsizetype(x0) * 4, tile + r * ColorTile, columns);
     }
+#ifdef __SSE2__
+    _mm_sfence();
+#endif
 }
 
 /** z of columns [x0, x1) from the picture's grey levels, blocked like colorizeColumns(). */
@@ -330,10 +360,13 @@ void QSciImage::zRange(double* zMin, double* zMax) const
     const int chunks = int((n + chunk - 1) / chunk);
     Extremes found[MaxChunks];
     Extremes* out = found;
-    forEachBand(chunks, n, [=](int c) {
-        const qsizetype begin = c * chunk;
-        minMax(z + begin, qMin(chunk, n - begin), &out[c].low, &out[c].high);
-    });
+    forEachBand(
+        chunks, n,
+        [=](int c) {
+            const qsizetype begin = c * chunk;
+            minMax(z + begin, qMin(chunk, n - begin), &out[c].low, &out[c].high);
+        },
+        DisplaySchedule);
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
     for (int c = 0; c < chunks; ++c) {
@@ -638,9 +671,11 @@ void QSciImage::renderZInto(QImage& image) const
     const int w = m_width, h = m_height;
     static_assert(BandColumns <= ColorTile, "a band's tile must hold all its columns");
     const QRgb* lookup = ramp;
-    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h, [=](int band) {
-        colorizeColumns(z, h, low, range, lookup, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
-    });
+    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h,
+        [=](int band) {
+            colorizeColumns(z, h, low, range, lookup, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
+        },
+        DisplaySchedule);
 }
 
 QImage QSciImage::zPicture() const
