@@ -5,15 +5,13 @@
 #include <QCoreApplication>
 
 #include "core/base/parallel.h"
+#include "core/base/pixelrows.h"
 
 #include <QColor>
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <limits>
-#ifdef __SSE2__
-#include <emmintrin.h>
-#endif
 
 namespace {
 
@@ -92,23 +90,6 @@ Matrices transformed(int width, int height, int newWidth, int newHeight, const Q
     return out;
 }
 
-/**
- * Copies @p count pixels of a tile row into the picture. The picture is far larger than the caches and is not read
- * back here, so aligned rows bypass them: that saves reading every line in before it is overwritten.
- */
-inline void putRow(uchar* out, const QRgb* in, int count)
-{
-#ifdef __SSE2__
-    if ((reinterpret_cast<quintptr>(out) & 15) == 0 && count % 4 == 0) {
-        for (int i = 0; i < count; i += 4)
-            _mm_stream_si128(
-                reinterpret_cast<__m128i*>(out) + i / 4, _mm_load_si128(reinterpret_cast<const __m128i*>(in + i)));
-        return;
-    }
-#endif
-    std::memcpy(out, in, size_t(count) * 4);
-}
-
 /** Rows per tile in colorizeColumns(); a band's columns are at most this many, so a tile stays in the L1 cache. */
 constexpr int ColorTile = 64;
 
@@ -143,11 +124,9 @@ void colorizeColumns(
                 out[r * ColorTile] = ramp[index[r]];
         }
         for (int r = 0; r < rows; ++r)
-            putRow(bits + (h - 1 - y0 - r) * bpl + qsizetype(x0) * 4, tile + r * ColorTile, columns);
+            PixelRows::store(bits + (h - 1 - y0 - r) * bpl + qsizetype(x0) * 4, tile + r * ColorTile, columns);
     }
-#ifdef __SSE2__
-    _mm_sfence();
-#endif
+    PixelRows::finish();
 }
 
 /** z of columns [x0, x1) from the picture's grey levels, blocked like colorizeColumns(). */
