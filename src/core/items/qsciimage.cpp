@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 
 #include "core/base/parallel.h"
+#include "core/base/pixelrows.h"
 
 #include <QColor>
 #include <algorithm>
@@ -16,10 +17,17 @@ namespace {
 
 /** Below this many points the thread pool costs more than it saves. */
 constexpr qsizetype ParallelPoints = qsizetype(1) << 16;
+/**
+ * The passes that colour the picture run on every change of the display, with the cores often busy elsewhere:
+ * threads take the next band as they come free, so one thread held up does not hold up the picture.
+ */
+constexpr Parallel::Schedule DisplaySchedule = Parallel::Schedule::Dynamic;
 /** Columns per unit of parallel work in the loops over the picture. */
 constexpr int BandColumns = 64;
 
-template <typename Function> void forEachBand(int count, qsizetype points, Function function)
+template <typename Function>
+void forEachBand(
+    int count, qsizetype points, Function function, Parallel::Schedule schedule = Parallel::Schedule::Contiguous)
 {
     if (count <= 1 || points < ParallelPoints) {
         Parallel::clearVectorState();
@@ -27,7 +35,7 @@ template <typename Function> void forEachBand(int count, qsizetype points, Funct
             function(i);
         return;
     }
-    Parallel::forEach(count, function, Parallel::Schedule::Contiguous);
+    Parallel::forEach(count, function, schedule);
 }
 
 inline QRgb* pixelAt(uchar* bits, qsizetype bytesPerLine, int column, int row)
@@ -82,34 +90,43 @@ Matrices transformed(int width, int height, int newWidth, int newHeight, const Q
     return out;
 }
 
+/** Rows per tile in colorizeColumns(); a band's columns are at most this many, so a tile stays in the L1 cache. */
+constexpr int ColorTile = 64;
+
 /**
- * Colours columns [x0, x1) block by block: TileRows rows of all those columns, in tiles of 8 columns a picture
- * row at a time. The picture's rows lie a power of two apart in memory, so a walk down a column would evict each
- * row's cache line before its next pixel; this shape measured fastest for the transposing copy.
+ * Colours columns [x0, x1) (at most ColorTile of them) a tile of ColorTile rows at a time. Each column's run of z
+ * is read straight through and its colours land in a small buffer; the buffer then goes out one picture row at a
+ * time. The picture's rows lie a power of two apart, so writing them a pixel at a time down a column would keep
+ * evicting them from the same cache sets. @p ramp holds RampSize + 1 entries, the last for z that is no number.
  */
 void colorizeColumns(
     const double* z, int h, double low, double range, const QRgb* ramp, uchar* bits, qsizetype bpl, int x0, int x1)
 {
-    constexpr int TileColumns = 8;
-    constexpr int TileRows = 64;
-    constexpr int top = ColorGradient::RampSize - 1;
-    for (int y0 = 0; y0 < h; y0 += TileRows) {
-        const int y1 = qMin(h, y0 + TileRows);
-        for (int tx = x0; tx < x1; tx += TileColumns) {
-            const int tx1 = qMin(x1, tx + TileColumns);
-            for (int y = y0; y < y1; ++y) {
-                QRgb* line = reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl);
-                const double* row = z + y;
-                for (int x = tx; x < tx1; ++x) {
-                    // ColorGradient::colorAt, inlined: the same expression, truncation and clamping.
-                    const double v = row[qsizetype(x) * h];
-                    const double t = (v - low) / range * ColorGradient::RampSize;
-                    line[x]
-                        = std::isfinite(v) ? ramp[t > 0 ? (t < top ? int(t) : top) : 0] : ColorGradient::NonFiniteColor;
-                }
+    constexpr double size = ColorGradient::RampSize;
+    constexpr double top = ColorGradient::RampSize - 1;
+    alignas(64) QRgb tile[ColorTile * ColorTile];
+    alignas(64) int index[ColorTile];
+    const int columns = x1 - x0;
+    for (int y0 = 0; y0 < h; y0 += ColorTile) {
+        const int rows = qMin(ColorTile, h - y0);
+        for (int c = 0; c < columns; ++c) {
+            const double* column = z + qsizetype(x0 + c) * h + y0;
+            // ColorGradient::colorAt with the same expression, truncation and clamping, in a form that vectorises:
+            // v - v is 0 for every finite v and NaN otherwise.
+            for (int r = 0; r < rows; ++r) {
+                const double v = column[r];
+                const double t = (v - low) / range * size;
+                const double clamped = t > 0 ? (t < top ? t : top) : 0;
+                index[r] = v - v == 0 ? int(clamped) : ColorGradient::RampSize;
             }
+            QRgb* out = tile + c;
+            for (int r = 0; r < rows; ++r)
+                out[r * ColorTile] = ramp[index[r]];
         }
+        for (int r = 0; r < rows; ++r)
+            PixelRows::store(bits + (h - 1 - y0 - r) * bpl + qsizetype(x0) * 4, tile + r * ColorTile, columns);
     }
+    PixelRows::finish();
 }
 
 /** z of columns [x0, x1) from the picture's grey levels, blocked like colorizeColumns(). */
@@ -311,22 +328,29 @@ double QSciImage::zMax() const
 
 void QSciImage::zRange(double* zMin, double* zMax) const
 {
-    constexpr qsizetype Chunk = qsizetype(1) << 18;
+    // Each chunk's result has a cache line of its own, on the stack: no allocation, no line shared by two threads.
+    struct alignas(64) Extremes {
+        double low, high;
+    };
+    constexpr int MaxChunks = 128;
     const qsizetype n = m_z.size();
+    const qsizetype chunk = qMax(qsizetype(1) << 18, (n + MaxChunks - 1) / MaxChunks);
     const double* z = m_z.constData();
-    const int chunks = int((n + Chunk - 1) / Chunk);
-    QVector<double> lows(chunks), highs(chunks);
-    double* lowOut = lows.data();
-    double* highOut = highs.data();
-    forEachBand(chunks, n, [=](int c) {
-        const qsizetype begin = c * Chunk;
-        minMax(z + begin, qMin(Chunk, n - begin), lowOut + c, highOut + c);
-    });
+    const int chunks = int((n + chunk - 1) / chunk);
+    Extremes found[MaxChunks];
+    Extremes* out = found;
+    forEachBand(
+        chunks, n,
+        [=](int c) {
+            const qsizetype begin = c * chunk;
+            minMax(z + begin, qMin(chunk, n - begin), &out[c].low, &out[c].high);
+        },
+        DisplaySchedule);
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
     for (int c = 0; c < chunks; ++c) {
-        low = std::min(low, lowOut[c]);
-        high = std::max(high, highOut[c]);
+        low = std::min(low, found[c].low);
+        high = std::max(high, found[c].high);
     }
     if (low > high) // no number at all
         low = high = std::numeric_limits<double>::quiet_NaN();
@@ -615,16 +639,22 @@ void QSciImage::renderZInto(QImage& image) const
     double range = high - low;
     if (range < 1e-200 && range > -1e-200)
         range = range < 0 ? -1e-200 : 1e-200;
-    const QRgb* ramp = m_gradient.rampData();
+    QRgb ramp[ColorGradient::RampSize + 1];
+    std::memcpy(ramp, m_gradient.rampData(), sizeof(QRgb) * ColorGradient::RampSize);
+    ramp[ColorGradient::RampSize] = ColorGradient::NonFiniteColor;
     if (image.size() != size() || image.format() != QImage::Format_ARGB32)
         image = QImage(m_width, m_height, QImage::Format_ARGB32);
     uchar* bits = image.bits();
     const qsizetype bpl = image.bytesPerLine();
     const double* z = m_z.constData();
     const int w = m_width, h = m_height;
-    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h, [=](int band) {
-        colorizeColumns(z, h, low, range, ramp, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
-    });
+    static_assert(BandColumns <= ColorTile, "a band's tile must hold all its columns");
+    const QRgb* lookup = ramp;
+    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h,
+        [=](int band) {
+            colorizeColumns(z, h, low, range, lookup, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
+        },
+        DisplaySchedule);
 }
 
 QImage QSciImage::zPicture() const
