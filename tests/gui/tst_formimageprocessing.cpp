@@ -187,6 +187,27 @@ private slots:
         QVERIFY(items.at(1)->left() > item->right());
         QCOMPARE(QSciHistoryManager::instance()->undoNames(), QStringList { QStringLiteral("Fourier transformation") });
 
+        // Item and spectrum selected, frequencies marked on the spectrum: the dialog offers the filter first.
+        items.at(1)->setPixelSelected(16, 12, true);
+        item->setSelected(true);
+        items.at(1)->setSelected(true);
+        const QVector<double> before = item->zMatrix();
+        bool offered = false;
+        m_window->fillDialog = [&offered](QDialog* dialog) {
+            offered = dialog->findChild<QRadioButton*>(QStringLiteral("rbFilter"))->isChecked();
+            return true;
+        };
+        m_window->findChild<QAction*>(QStringLiteral("actionFourier_transformation"))->trigger();
+        QVERIFY(offered);
+        QCOMPARE(QSciHistoryManager::instance()->undoNames().last(), QStringLiteral("Fourier filter"));
+        QVERIFY(item->zMatrix() != before);
+        // Only the zero frequency kept: the mean everywhere.
+        QVERIFY(qAbs(item->z(0, 0) - item->z(20, 10)) < 1e-9);
+        m_window->findChild<QAction*>(QStringLiteral("actionUndo"))->trigger();
+        item = m_window->project()->currentTab()->items().value(0);
+        QCOMPARE(item->zMatrix(), before);
+        m_window->project()->currentTab()->items().value(1)->setSelected(false);
+
         item->setSelected(true);
         items.at(1)->setSelected(false);
         m_window->findChild<QAction*>(QStringLiteral("actionRoughness_analysis"))->trigger();

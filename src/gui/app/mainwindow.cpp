@@ -155,8 +155,17 @@ MainWindow::MainWindow(QWidget* parent)
         const QList<QSciImage*> items = selectedItems();
         if (items.isEmpty())
             return showMessage(tr("Fourier transformation"), tr("Select the items to transform."));
-        if (runDialog(m_formFourierTransform) == QDialog::Accepted)
+        // With two items, the one whose mask selects frequencies is the spectrum, the other the item to filter.
+        const int spectrum = items.size() == 2 && items.at(0)->maskSelectedCount() > 0 ? 0 : 1;
+        m_formFourierTransform->offerFilter(
+            items.size() == 2, items.size() == 2 && items.at(spectrum)->maskSelectedCount() > 0);
+        if (runDialog(m_formFourierTransform) != QDialog::Accepted)
+            return;
+        QString message;
+        if (!m_formFourierTransform->filtering())
             SpectrumOperations::addSpectra(*m_project, items, m_formFourierTransform->mode());
+        else if (!SpectrumOperations::filter(*m_project, items.at(1 - spectrum), *items.at(spectrum), &message))
+            showMessage(tr("Fourier filter"), message);
     });
     m_formRoughness = new FormRoughness(this);
     connect(m_formRoughness, &FormRoughness::outputRequested, this, &MainWindow::appendOutput);

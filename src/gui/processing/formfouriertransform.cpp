@@ -4,12 +4,18 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
+#include <QRadioButton>
 #include <QVBoxLayout>
 
 FormFourierTransform::FormFourierTransform(QWidget* parent)
     : QDialog(parent)
     , m_mode(new QComboBox(this))
+    , m_spectra(new QRadioButton(tr("Make the spectra of the selected items"), this))
+    , m_filter(new QRadioButton(tr("Filter: keep in the item only the frequencies selected on its spectrum"), this))
 {
+    m_spectra->setObjectName(QStringLiteral("rbSpectra"));
+    m_filter->setObjectName(QStringLiteral("rbFilter"));
+    m_spectra->setChecked(true);
     setObjectName(QStringLiteral("FormFourierTransform"));
     setWindowTitle(tr("Fourier transformation"));
     m_mode->setObjectName(QStringLiteral("cbSpectrum"));
@@ -18,8 +24,8 @@ FormFourierTransform::FormFourierTransform(QWidget* parent)
         m_mode->addItem(FourierTransform::modeName(mode));
     m_mode->setCurrentIndex(int(FourierTransform::Mode::LogPower));
     auto* note = new QLabel(tr("Each selected item gets its spectrum beside it, the zero frequency in the middle. "
-                               "Select frequencies on a spectrum and use \"fft-filter\" of velmora-cli to keep "
-                               "only them."),
+                               "To filter, select the frequencies to keep on a spectrum with the selection tools, "
+                               "then select the item and that spectrum and choose the filter."),
         this);
     note->setWordWrap(true);
     auto* form = new QFormLayout;
@@ -28,7 +34,9 @@ FormFourierTransform::FormFourierTransform(QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
+    layout->addWidget(m_spectra);
     layout->addLayout(form);
+    layout->addWidget(m_filter);
     layout->addWidget(note);
     layout->addWidget(buttons);
 }
@@ -41,4 +49,15 @@ FourierTransform::Mode FormFourierTransform::mode() const
 void FormFourierTransform::setMode(FourierTransform::Mode mode)
 {
     m_mode->setCurrentIndex(int(mode));
+}
+
+void FormFourierTransform::offerFilter(bool possible, bool likely)
+{
+    m_filter->setEnabled(possible);
+    (possible && likely ? m_filter : m_spectra)->setChecked(true);
+}
+
+bool FormFourierTransform::filtering() const
+{
+    return m_filter->isEnabled() && m_filter->isChecked();
 }
