@@ -103,27 +103,15 @@ std::vector<double> markedLevels(const RecognitionInput& in)
     return levels;
 }
 
-/** Half the short axis of the ellipse with the pixels' second moments. */
+/** Half the short axis of the ellipse with the pixels' second moments, as the object's measures define it. */
 double shortSemiAxis(const std::vector<int>& pixels, int h)
 {
-    double sx = 0, sy = 0;
-    for (int i : pixels) {
-        sx += i / h;
-        sy += i % h;
-    }
-    const double n = double(pixels.size()), cx = sx / n, cy = sy / n;
-    double xx = 0, yy = 0, xy = 0;
-    for (int i : pixels) {
-        const double dx = i / h - cx, dy = i % h - cy;
-        xx += dx * dx;
-        yy += dy * dy;
-        xy += dx * dy;
-    }
-    xx = xx / n + 1.0 / 12;
-    yy = yy / n + 1.0 / 12;
-    xy /= n;
-    const double small = (xx + yy) / 2 - std::sqrt((xx - yy) * (xx - yy) / 4 + xy * xy);
-    return 2 * std::sqrt(std::max(0.0, small));
+    QSciSingleObject shape;
+    shape.fillPixels.reserve(int(pixels.size()));
+    for (int i : pixels)
+        shape.fillPixels.append(QPoint(i / h, i % h));
+    ObjectMeasures::computeMainAxes(shape);
+    return shape.mainSecondAxisLength / 2;
 }
 
 /**

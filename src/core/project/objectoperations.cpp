@@ -11,17 +11,33 @@
 #include <QPointer>
 #include <algorithm>
 
-namespace {
-
-QString headerValue(const QSciImage& item, const QString& key)
+void ObjectOperations::numberAfterLayer(const QSciImage& item, QList<QSciSingleObject>& found)
 {
-    for (const auto& entry : item.instrumentHeader())
-        if (entry.first == key)
-            return entry.second;
-    return QString();
+    int highest = 0;
+    for (int i = 0; i < item.objects().size(); ++i)
+        highest = std::max(highest, item.objects().at(i).numberAt(i));
+    for (QSciSingleObject& o : found)
+        o.objectNumber = ++highest;
 }
 
-} // namespace
+void ObjectOperations::addToLayer(QSciImage& item, QList<QSciSingleObject> found, bool visible, int labelSize)
+{
+    QString timestamp;
+    for (const auto& entry : item.instrumentHeader())
+        if (entry.first == QLatin1String("timestamp"))
+            timestamp = entry.second;
+    for (QSciSingleObject& o : found) {
+        o.itemTitle = item.name();
+        o.timestamp = timestamp;
+        o.visible = visible;
+        o.borderVisible = true;
+        o.labelVisible = true;
+        o.lableSize = labelSize;
+    }
+    QList<QSciSingleObject> layer = item.objects();
+    layer.append(found);
+    item.setObjects(layer);
+}
 
 QString ObjectOperations::foundText(const QList<int>& counts)
 {
@@ -76,25 +92,12 @@ ObjectOperations::Outcome ObjectOperations::recognise(Project& project, const QL
             || item->height() != input.height)
             continue;
 
-        if (first) {
-            int highest = 0;
-            for (int i = 0; i < item->objects().size(); ++i)
-                highest = std::max(highest, item->objects().at(i).numberAt(i));
-            for (QSciSingleObject& o : found)
-                o.objectNumber = ++highest;
-        } else if (!series.match(previous, found, referenceObject, message)) {
+        if (first)
+            numberAfterLayer(*item, found);
+        else if (!series.match(previous, found, referenceObject, message)) {
             return stop();
         }
         first = false;
-        const QString timestamp = headerValue(*item, QStringLiteral("timestamp"));
-        for (QSciSingleObject& o : found) {
-            o.itemTitle = item->name();
-            o.timestamp = timestamp;
-            o.visible = options.newObjectsSelected;
-            o.borderVisible = true;
-            o.labelVisible = true;
-            o.lableSize = options.labelSize;
-        }
 
         QSciImage::Parts parts = QSciImage::ObjectsPart;
         if (options.markFoundPixels)
@@ -105,9 +108,7 @@ ObjectOperations::Outcome ObjectOperations::recognise(Project& project, const QL
             scope.rollback();
             return Outcome::Refused;
         }
-        QList<QSciSingleObject> layer = item->objects();
-        layer.append(found);
-        item->setObjects(layer);
+        addToLayer(*item, found, options.newObjectsSelected, options.labelSize);
         if (options.markFoundPixels) {
             QVector<uchar> marked(qsizetype(item->width()) * item->height(), 0);
             for (const QSciSingleObject& o : found)

@@ -8,6 +8,7 @@
 class Project;
 class ProgressSink;
 class QSciImage;
+class QSciSingleObject;
 
 /**
  * Object recognition on items as one history transaction ("Object recognition"): every item is checked first,
@@ -29,6 +30,14 @@ public:
      */
     static Outcome recognise(Project& project, const QList<QSciImage*>& items, const ObjectRecognitionOptions& options,
         int referenceObject = 0, ProgressSink* progress = nullptr, QString* message = nullptr);
+
+    /** Numbers @p found after the objects @p item already holds. */
+    static void numberAfterLayer(const QSciImage& item, QList<QSciSingleObject>& found);
+    /**
+     * Appends @p found to @p item's layer, each stamped with the item's title and "timestamp" header value, shown
+     * or hidden by @p visible, border and label on, labels @p labelSize high. Record the item's objects first.
+     */
+    static void addToLayer(QSciImage& item, QList<QSciSingleObject> found, bool visible, int labelSize);
 
     /** "N objects found" in one item, or per item of a series. */
     static QString foundText(const QList<int>& counts);

@@ -18,14 +18,6 @@
 
 namespace {
 
-QString headerValue(const QSciImage& item, const QString& key)
-{
-    for (const auto& entry : item.instrumentHeader())
-        if (entry.first == key)
-            return entry.second;
-    return QString();
-}
-
 /** Records with measures for @p regions of @p z; each region's cubage counts from its lowest point. */
 QList<QSciSingleObject> records(
     const ImageSegmentation::Regions& regions, const QVector<double>& z, int width, int height)
@@ -56,22 +48,8 @@ bool store(OperationScope& scope, QSciImage* item, QList<QSciSingleObject> found
 {
     if (!scope.record(item, QSciImage::ObjectsPart))
         return false;
-    int highest = 0;
-    for (int i = 0; i < item->objects().size(); ++i)
-        highest = std::max(highest, item->objects().at(i).numberAt(i));
-    const QString timestamp = headerValue(*item, QStringLiteral("timestamp"));
-    for (QSciSingleObject& o : found) {
-        o.objectNumber = ++highest;
-        o.itemTitle = item->name();
-        o.timestamp = timestamp;
-        o.visible = true;
-        o.borderVisible = true;
-        o.labelVisible = true;
-        o.lableSize = ObjectRecognitionOptions().labelSize;
-    }
-    QList<QSciSingleObject> layer = item->objects();
-    layer.append(found);
-    item->setObjects(layer);
+    ObjectOperations::numberAfterLayer(*item, found);
+    ObjectOperations::addToLayer(*item, found, true, ObjectRecognitionOptions().labelSize);
     return true;
 }
 

@@ -1,5 +1,6 @@
 #include "form3dplot.h"
 
+#include "plotsavedialog.h"
 #include "plotwebview.h"
 
 #include "core/base/messages.h"
@@ -59,14 +60,7 @@ Form3dPlot::Form3dPlot(const Plot3dDocument& document, QWidget* parent, bool rem
     layout->addWidget(buildPanel());
 
     chooseSaveFile = [this](const QString& title, const QString& filter) {
-        const QString key = QStringLiteral("form3dPlot.saveDialogPath");
-        QString folder = Options::getPath(key, QString());
-        if (folder.isEmpty() || !QFileInfo(folder).isDir())
-            folder = Options::homeDir();
-        const QString chosen = QFileDialog::getSaveFileName(this, title, folder, filter);
-        if (!chosen.isEmpty())
-            Options::setString(key, QFileInfo(chosen).absolutePath());
-        return chosen;
+        return PlotSaveDialog::choose(this, QStringLiteral("form3dPlot.saveDialogPath"), title, filter);
     };
     showMessage = [this](const QString& title, const QString& text) {
         QMessageBox::warning(this, title, text, QMessageBox::Ok);

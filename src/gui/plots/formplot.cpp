@@ -1,5 +1,6 @@
 #include "formplot.h"
 
+#include "plotsavedialog.h"
 #include "formaddplot.h"
 
 #include "core/base/atomicfile.h"
@@ -100,14 +101,7 @@ FormPlot::FormPlot(QWidget* parent)
     layout->addLayout(buttons);
 
     chooseSaveFile = [this](const QString& title, const QString& filter) {
-        const QString key = QStringLiteral("FormPlot.saveDialogPath");
-        QString folder = Options::getPath(key, QString());
-        if (folder.isEmpty() || !QFileInfo(folder).isDir())
-            folder = Options::homeDir();
-        const QString chosen = QFileDialog::getSaveFileName(this, title, folder, filter);
-        if (!chosen.isEmpty())
-            Options::setString(key, QFileInfo(chosen).absolutePath());
-        return chosen;
+        return PlotSaveDialog::choose(this, QStringLiteral("FormPlot.saveDialogPath"), title, filter);
     };
     showMessage = [this](const QString& title, const QString& text) {
         QMessageBox::warning(this, title, text, QMessageBox::Ok);
