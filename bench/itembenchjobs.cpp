@@ -4,7 +4,9 @@
 #include "core/items/qsciimage.h"
 
 #include <QFile>
+#include <cstring>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -15,6 +17,7 @@ struct ItemBenchState {
     std::unique_ptr<QSciImage> target;
     QString normalPath;
     QString quickPath;
+    std::vector<double> copy;
 
     QSciImage& source()
     {
@@ -61,6 +64,13 @@ QList<BenchJob> itemJobs(BenchContext& context)
     state->quickPath = context.workDir + QStringLiteral("/bench-quick.img.velm");
     auto prepare = [state]() { state->source(); };
 
+    // The memory bandwidth the file and colour jobs work against: the z-matrix copied once, single thread.
+    BenchJob memcpyZ { QStringLiteral("memcpy_z"),
+        [state]() {
+            const QVector<double>& z = state->context->field.z;
+            std::memcpy(state->copy.data(), z.constData(), size_t(z.size()) * sizeof(double));
+        },
+        [state]() { state->copy.assign(size_t(state->context->field.z.size()), 1.0); } };
     BenchJob colorize { QStringLiteral("colorize"), [state]() { state->item->mapZToPicture(); }, prepare };
     BenchJob save { QStringLiteral("save"), [state]() { state->save(state->normalPath, false); }, prepare };
     BenchJob saveQuick { QStringLiteral("save_quick"), [state]() { state->save(state->quickPath, true); }, prepare };
@@ -68,7 +78,7 @@ QList<BenchJob> itemJobs(BenchContext& context)
         [state]() { state->file(false); } };
     BenchJob loadQuick { QStringLiteral("load_quick"), [state]() { state->load(state->quickPath); },
         [state]() { state->file(true); } };
-    return { colorize, save, saveQuick, load, loadQuick };
+    return { memcpyZ, colorize, save, saveQuick, load, loadQuick };
 }
 
 const BenchRegistration registration(30, itemJobs);

@@ -2,6 +2,7 @@
 
 #include "core/base/atomicfile.h"
 #include "core/base/compressedblock.h"
+#include "core/base/largepages.h"
 #include "core/base/messages.h"
 #include "core/base/pixelrows.h"
 #include "core/base/tokencodec.h"
@@ -526,6 +527,8 @@ bool inflateContent(const ParsedFile& file, Content* content)
         // The matrices are allocated (and zeroed, by QVector) on worker threads, alongside the other blocks.
         if (b == MaskBlock) {
             job.allocate = [content, points]() {
+                content->mask.reserve(int(points));
+                LargePages::advise(content->mask.data(), size_t(points));
                 content->mask.resize(int(points));
                 return reinterpret_cast<char*>(content->mask.data());
             };
@@ -539,12 +542,15 @@ bool inflateContent(const ParsedFile& file, Content* content)
             if (content->picture.isNull())
                 return false;
             uchar* bits = content->picture.bits();
+            LargePages::advise(bits, size_t(content->picture.sizeInBytes()));
             const qsizetype bpl = content->picture.bytesPerLine();
             job.sink = [bits, bpl, h](qsizetype offset, char* data, qsizetype length) {
                 picturePoints(reinterpret_cast<const uchar*>(data), offset, length, bits, bpl, h);
             };
         } else {
             job.allocate = [content, points]() {
+                content->z.reserve(int(points));
+                LargePages::advise(content->z.data(), size_t(points) * 8);
                 content->z.resize(int(points));
                 return reinterpret_cast<char*>(content->z.data());
             };

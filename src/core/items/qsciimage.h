@@ -14,6 +14,7 @@
 #include <QStringList>
 #include <QVector>
 #include <atomic>
+#include <mutex>
 
 /**
  * The image item: a picture, a z-matrix and a mask of one size W x H, an object layer, a calibration
@@ -104,14 +105,21 @@ public:
     void setZ(int x, int y, double value);
     /** W*H doubles, column by column, rows from the bottom. Writers call notifyChanged(ZPart) afterwards. */
     const double* zData() const { return m_z.constData(); }
-    double* zData() { return m_z.data(); }
+    double* zData()
+    {
+        zChanged();
+        return m_z.data();
+    }
     QVector<double> zMatrix() const { return m_z; }
     /** Replaces the z-matrix; false when @p z does not hold W*H values. */
     [[nodiscard]] bool setZMatrix(const QVector<double>& z);
     /** The extremes of the finite z values (NaN and infinity mark unmeasured points); NaN when there is none. */
     double zMin() const;
     double zMax() const;
-    /** Both extremes in one pass over the matrix, finite values only. */
+    /**
+     * Both extremes in one pass over the matrix, finite values only. They are kept until z changes (through
+     * this class, zData() or notifyChanged(ZPart)), so colouring again with another gradient skips the pass.
+     */
     void zRange(double* zMin, double* zMax) const;
 
     // ---- picture -----------------------------------------------------------------------------------
@@ -256,6 +264,8 @@ private:
     /** Colours @p image (made W x H ARGB32 when it is not) from the z-matrix: one min/max pass, then the ramp. */
     void renderZInto(QImage& image) const;
     void resetMatrices(int width, int height, const QColor& background);
+    /** Forgets the kept extremes of z. */
+    void zChanged();
     static quint64 nextSerial()
     {
         static std::atomic<quint64> counter { 0 };
@@ -269,6 +279,15 @@ private:
     int m_top = 0;
     QImage m_picture;
     QVector<double> m_z;
+    /** The extremes of m_z while valid; views colour from other threads, hence the lock. */
+    struct ZRangeCache {
+        std::mutex lock;
+        quint64 generation = 0;
+        bool valid = false;
+        double low = 0;
+        double high = 0;
+    };
+    mutable ZRangeCache m_zRange;
     QVector<uchar> m_mask;
     QList<QSciSingleObject> m_objects;
     SciValues m_sciValues;

@@ -67,6 +67,29 @@ private slots:
         QCOMPARE(inflate(qCompress(data, 6)), data);
     }
 
+    void piecesOfEveryKindJoinIntoOneStream()
+    {
+        // Each piece is a finished stream of its own until it is joined: its final block loses that flag and
+        // it is padded to a byte, wherever in a byte its last block ends. Pieces of differing content end at
+        // differing bits, and take stored, fixed and dynamic blocks.
+        constexpr int Pieces = 12;
+        const qsizetype piece = CompressedBlock::PieceSize;
+        QByteArray data(int(piece * Pieces), Qt::Uninitialized);
+        QRandomGenerator random(11);
+        for (int p = 0; p < Pieces; ++p) {
+            const quint32 bits = (1u << (p % 8 + 1)) - 1;
+            for (qsizetype i = p * piece; i < (p + 1) * piece; ++i)
+                data[int(i)] = p == 3 ? char(i / 4000) : char(random.generate() & bits);
+        }
+        for (int level : { 3, 6 }) {
+            const QByteArray bytes = CompressedBlock::compress(data, level).toByteArray();
+            QCOMPARE(qUncompress(bytes), data);
+            QCOMPARE(inflate(bytes), data);
+            // The faster compressor must compress about as well as zlib at the same level.
+            QVERIFY(bytes.size() <= qCompress(data, level).size() * 102 / 100);
+        }
+    }
+
     void coincidentalFlushPatternsFallBackToOneStream()
     {
         // Stored blocks carry the data as it is, so it can hold the bytes a flush ends with anywhere.

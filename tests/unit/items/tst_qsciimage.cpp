@@ -251,7 +251,39 @@ private slots:
 
         for (int i = 0; i < 2 * width; ++i)
             z[i] = std::numeric_limits<double>::quiet_NaN();
+        item.notifyChanged(QSciImage::ZPart);
         QVERIFY(std::isnan(item.zMin()));
+    }
+
+    void theKeptRangeFollowsEveryChangeOfZ()
+    {
+        // The extremes are kept between colourings; a stale pair would colour the picture with the old range.
+        QSciImage item(3, 2, QColor(Qt::black));
+        QCOMPARE(item.zMax(), 0.0);
+        item.setZ(1, 1, 5);
+        QCOMPARE(item.zMax(), 5.0);
+        item.zData()[0] = 9;
+        QCOMPARE(item.zMax(), 9.0);
+        double* z = item.zData();
+        z[1] = -4;
+        item.notifyChanged(QSciImage::ZPart);
+        QCOMPARE(item.zMin(), -4.0);
+        QVERIFY(item.setZMatrix(QVector<double>(6, 2.0)));
+        QCOMPARE(item.zMax(), 2.0);
+        item.recalibrateZ(3, 1);
+        QCOMPARE(item.zMax(), 7.0);
+
+        QSciImage copy(1, 1, QColor(Qt::black));
+        copy.copyFrom(item);
+        QCOMPARE(copy.zMin(), 7.0);
+        copy.zData()[2] = 100; // detaches the copy; the original keeps its matrix and range
+        QCOMPARE(copy.zMax(), 100.0);
+        QCOMPARE(item.zMax(), 7.0);
+        item.flipVertical();
+        QCOMPARE(item.zMax(), 7.0);
+        QSciImage other(4, 4, QColor(Qt::black));
+        QVERIFY(item.setContent(other.picture(), QVector<double>(16, -1.0), QVector<uchar>(16, 0)));
+        QCOMPARE(item.zMax(), -1.0);
     }
 
     void mapPictureToZGivesZeroToOne()
