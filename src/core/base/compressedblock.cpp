@@ -205,6 +205,7 @@ struct InflateTask {
     int piece = Whole;
     const uchar* in = nullptr;
     qsizetype inLength = 0;
+    qsizetype inAvailable = 0; ///< from in to the end of the deflate data
     qsizetype outOffset = 0;
     qsizetype outLength = 0;
     bool last = false;
@@ -329,26 +330,19 @@ void feedSink(const CompressedBlock::Inflation& job, char* out, qsizetype offset
 }
 
 /**
- * A piece in one call of libdeflate, which wants a stream that ends: a piece that ends on a sync flush gets a
- * final empty block appended (a fixed-Huffman block with only its end code, bytes 03 00) in a copy.
+ * A piece in one call of libdeflate, which wants a stream that ends. A piece that ends on a sync flush is given
+ * the rest of the stream as well: libdeflate runs on into the next piece and stops, out of room, before its first
+ * byte, with this piece's bytes all written. The next piece is decoded by its own task, and the Adler-32 of all
+ * pieces together checks that each ended where it should.
  */
 bool inflatePieceWhole(InflateTask& task, const CompressedBlock::Inflation& job, char* out)
 {
-    const uchar* in = task.in;
-    size_t length = size_t(task.inLength);
-    thread_local std::vector<uchar> copy;
-    if (!task.last) {
-        copy.resize(length + 2);
-        std::memcpy(copy.data(), in, length);
-        copy[length] = 0x03;
-        copy[length + 1] = 0x00;
-        in = copy.data();
-        length += 2;
-    }
     size_t consumed = 0;
-    const libdeflate_result result
-        = libdeflate_deflate_decompress_ex(decompressor(), in, length, out, size_t(task.outLength), &consumed, nullptr);
-    if (result != LIBDEFLATE_SUCCESS || consumed != length)
+    const libdeflate_result result = libdeflate_deflate_decompress_ex(decompressor(), task.in,
+        size_t(task.last ? task.inLength : task.inAvailable), out, size_t(task.outLength), &consumed, nullptr);
+    const bool whole = task.last ? result == LIBDEFLATE_SUCCESS && consumed == size_t(task.inLength)
+                                 : result == LIBDEFLATE_INSUFFICIENT_SPACE;
+    if (!whole)
         return false;
     task.adler = libdeflate_adler32(1, out, size_t(task.outLength));
     feedSink(job, out, task.outOffset, task.outLength);
@@ -587,6 +581,7 @@ void CompressedBlock::uncompressAll(QVector<Inflation>& jobs)
             const qsizetype to = p == expected - 1 ? job.size - 4 : points.at(p);
             task.in = data + from;
             task.inLength = to - from;
+            task.inAvailable = job.size - 4 - from;
             task.outOffset = qsizetype(p) * PieceSize;
             task.outLength = qMin(PieceSize, job.destinationSize - task.outOffset);
             task.last = p == expected - 1;
