@@ -7,6 +7,7 @@
 #include "core/base/pixelrows.h"
 #include "core/base/tokencodec.h"
 #include "core/items/itemimporterregistry.h"
+#include "core/items/matrixspare.h"
 #include "core/items/processinglog.h"
 
 #include <QFile>
@@ -549,6 +550,9 @@ bool inflateContent(const ParsedFile& file, Content* content)
             };
         } else {
             job.allocate = [content, points]() {
+                content->z = MatrixSpare::take(points);
+                if (!content->z.isEmpty())
+                    return reinterpret_cast<char*>(content->z.data());
                 content->z.reserve(int(points));
                 LargePages::advise(content->z.data(), size_t(points) * 8);
                 content->z.resize(int(points));
@@ -768,6 +772,7 @@ bool ItemFile::load(QSciImage& item, const QString& path, bool setFileName, bool
         auto old = std::make_shared<Content>(Content { item.maskMatrix(), item.picture(), item.zMatrix() });
         if (!item.setContent(picture, z, mask))
             qFatal("ItemFile: matrices of checked sizes refused");
+        old->z = MatrixSpare::keep(std::move(old->z));
         if (qsizetype(old->z.size()) >= (qsizetype(1) << 20))
             QtConcurrent::run([old = std::move(old)]() mutable { old.reset(); });
     }

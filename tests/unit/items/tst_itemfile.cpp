@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <QtTest>
+#include <cstring>
 
 using ItemTestSupport::difference;
 using ItemTestSupport::sampleItem;
@@ -332,6 +333,39 @@ private slots:
         QCOMPARE(target->name(), QString());
         QVERIFY(target->objects().isEmpty());
         QCOMPARE(target->picture(), source->picture());
+    }
+
+    void reloadsReuseOnlyMatricesNothingElseHolds()
+    {
+        // Reloading recycles the z-matrix the item let go; one still held elsewhere (an undo step, a view)
+        // must keep its values.
+        const auto first = sampleItem(40, 30, 1);
+        const auto second = sampleItem(40, 30, 2);
+        const QString one = path(QStringLiteral("one.img.velm"));
+        const QString two = path(QStringLiteral("two.img.velm"));
+        QVERIFY(ItemFile::save(*first, one, ItemFile::PartFlags(true, true, true, true, false)));
+        QVERIFY(ItemFile::save(*second, two, ItemFile::PartFlags(true, true, true, true, false)));
+        // Bit for bit: the sample holds a NaN.
+        auto same = [](const QVector<double>& a, const QVector<double>& b) {
+            return a.size() == b.size() && std::memcmp(a.constData(), b.constData(), size_t(a.size()) * 8) == 0;
+        };
+        QSciImage target;
+        const QSciImage& view = target;
+        QVERIFY(ItemFile::load(target, one, false, false, nullptr));
+        const QVector<double> held = target.zMatrix();
+        QVERIFY(ItemFile::load(target, two, false, false, nullptr));
+        QVERIFY(ItemFile::load(target, one, false, false, nullptr));
+        QVERIFY(same(target.zMatrix(), first->zMatrix()));
+        QVERIFY(same(held, first->zMatrix()));
+        QVERIFY(view.zData() != held.constData());
+
+        const double* unshared = view.zData();
+        QVERIFY(ItemFile::load(target, two, false, false, nullptr));
+        QVERIFY(ItemFile::load(target, one, false, false, nullptr));
+        QCOMPARE(view.zData(), unshared);
+        QVERIFY(same(target.zMatrix(), first->zMatrix()));
+        QVERIFY(ItemFile::load(target, two, false, false, nullptr));
+        QVERIFY(same(target.zMatrix(), second->zMatrix()));
     }
 };
 
