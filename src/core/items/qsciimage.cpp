@@ -90,8 +90,12 @@ Matrices transformed(int width, int height, int newWidth, int newHeight, const Q
     return out;
 }
 
-/** Rows per tile in colorizeColumns(); a band's columns are at most this many, so a tile stays in the L1 cache. */
-constexpr int ColorTile = 64;
+/**
+ * Columns per band and rows per tile in colorizeColumns(): a tile's indices (16 KiB) stay in the L1 cache, and
+ * picture rows go out 512 bytes at a time.
+ */
+constexpr int ColorColumns = 128;
+constexpr int ColorRows = 32;
 
 #ifdef __GNUC__
 #define VELMORA_ALWAYS_INLINE inline __attribute__((always_inline))
@@ -100,7 +104,7 @@ constexpr int ColorTile = 64;
 #endif
 
 /**
- * Colours columns [x0, x1) (at most ColorTile of them) a tile of ColorTile rows at a time. Each column's run of z
+ * Colours columns [x0, x1) (at most ColorColumns of them) a tile of ColorRows rows at a time. Each column's run of z
  * is read straight through and its ramp indices land in a small buffer; the picture is then written one row run
  * at a time. The picture's rows lie a power of two apart, so writing them a pixel at a time down a column would
  * keep evicting them from the same cache sets. @p ramp holds RampSize + 1 entries, the last for z that is no
@@ -111,14 +115,14 @@ VELMORA_ALWAYS_INLINE void colorizeColumnsBody(
 {
     constexpr double size = ColorGradient::RampSize;
     constexpr double top = ColorGradient::RampSize - 1;
-    alignas(64) int index[ColorTile * ColorTile]; // ramp indices of the tile, column after column
-    alignas(64) QRgb row[ColorTile];
+    alignas(64) int index[ColorColumns * ColorRows]; // ramp indices of the tile, column after column
+    alignas(64) QRgb row[ColorColumns];
     const int columns = x1 - x0;
-    for (int y0 = 0; y0 < h; y0 += ColorTile) {
-        const int rows = qMin(ColorTile, h - y0);
+    for (int y0 = 0; y0 < h; y0 += ColorRows) {
+        const int rows = qMin(ColorRows, h - y0);
         for (int c = 0; c < columns; ++c) {
             const double* column = z + qsizetype(x0 + c) * h + y0;
-            int* out = index + c * ColorTile;
+            int* out = index + c * ColorRows;
             // ColorGradient::colorAt with the same expression, truncation and clamping, in a form that vectorises:
             // v - v is 0 for every finite v and NaN otherwise.
             for (int r = 0; r < rows; ++r) {
@@ -133,7 +137,7 @@ VELMORA_ALWAYS_INLINE void colorizeColumnsBody(
         for (int r = 0; r < rows; ++r) {
             const int* in = index + r;
             for (int c = 0; c < columns; ++c)
-                row[c] = ramp[in[c * ColorTile]];
+                row[c] = ramp[in[c * ColorRows]];
             PixelRows::store(bits + (h - 1 - y0 - r) * bpl + qsizetype(x0) * 4, row, columns);
         }
     }
@@ -729,11 +733,12 @@ void QSciImage::renderZInto(QImage& image) const
     const qsizetype bpl = image.bytesPerLine();
     const double* z = m_z.constData();
     const int w = m_width, h = m_height;
-    static_assert(BandColumns <= ColorTile, "a band's tile must hold all its columns");
+
     const QRgb* lookup = ramp;
-    forEachBand((w + BandColumns - 1) / BandColumns, qsizetype(w) * h,
+    forEachBand((w + ColorColumns - 1) / ColorColumns, qsizetype(w) * h,
         [=](int band) {
-            colorizeColumns(z, h, low, range, lookup, bits, bpl, band * BandColumns, qMin(w, (band + 1) * BandColumns));
+            colorizeColumns(
+                z, h, low, range, lookup, bits, bpl, band * ColorColumns, qMin(w, (band + 1) * ColorColumns));
         },
         DisplaySchedule);
 }
