@@ -117,26 +117,19 @@ inline void putFilePixel(uchar* p, QRgb c)
     std::memcpy(p, &v, 4);
 }
 
+/** Columns and rows of the tiles through which the picture block is turned between file and picture order. */
+constexpr int TileColumns = 16;
+constexpr int TileRows = 64;
+
 /**
- * Lays out picture bytes [offset, offset + length) in file order: column by column, rows from the bottom. Whole
- * columns go through a small tile, filled a picture row run at a time and emptied down the columns.
+ * Walks points [first, end) of the picture block, which holds the picture column by column: points of a column
+ * the range cuts go to @p point(i) one by one, whole columns to @p tile(x, columns, y0, rows) a tile at a time.
  */
-void pictureBytes(const QImage& picture, qsizetype offset, qsizetype length, char* out)
+template <typename Point, typename Tile>
+void forPictureTiles(qsizetype first, qsizetype end, int h, Point point, Tile tile)
 {
-    constexpr int TileColumns = 16;
-    constexpr int TileRows = 64;
-    const int h = picture.height();
-    const uchar* bits = picture.constBits();
-    const qsizetype bpl = picture.bytesPerLine();
-    const qsizetype first = offset / 4;
-    const qsizetype end = (offset + length) / 4;
-    uchar* o = reinterpret_cast<uchar*>(out) - first * 4;
-    auto point = [=](qsizetype i) {
-        const int x = int(i / h), y = int(i % h);
-        putFilePixel(o + i * 4, reinterpret_cast<const QRgb*>(bits + (h - 1 - y) * bpl)[x]);
-    };
-    const int x0 = int((first + h - 1) / h);
-    const int x1 = int(end / h);
+    const int x0 = int((first + h - 1) / h); // the first whole column
+    const int x1 = int(end / h); // behind the last whole column
     if (x0 >= x1) {
         for (qsizetype i = first; i < end; ++i)
             point(i);
@@ -144,11 +137,34 @@ void pictureBytes(const QImage& picture, qsizetype offset, qsizetype length, cha
     }
     for (qsizetype i = first; i < qsizetype(x0) * h; ++i)
         point(i);
-    alignas(64) QRgb tile[TileColumns * TileRows];
     for (int tx = x0; tx < x1; tx += TileColumns) {
         const int columns = qMin(TileColumns, x1 - tx);
-        for (int y0 = 0; y0 < h; y0 += TileRows) {
-            const int rows = qMin(TileRows, h - y0);
+        for (int y0 = 0; y0 < h; y0 += TileRows)
+            tile(tx, columns, y0, qMin(TileRows, h - y0));
+    }
+    for (qsizetype i = qsizetype(x1) * h; i < end; ++i)
+        point(i);
+}
+
+/**
+ * Lays out picture bytes [offset, offset + length) in file order: column by column, rows from the bottom. Whole
+ * columns go through a small tile, filled a picture row run at a time and emptied down the columns.
+ */
+void pictureBytes(const QImage& picture, qsizetype offset, qsizetype length, char* out)
+{
+    const int h = picture.height();
+    const uchar* bits = picture.constBits();
+    const qsizetype bpl = picture.bytesPerLine();
+    const qsizetype first = offset / 4;
+    uchar* o = reinterpret_cast<uchar*>(out) - first * 4;
+    alignas(64) QRgb tile[TileColumns * TileRows];
+    forPictureTiles(
+        first, (offset + length) / 4, h,
+        [=](qsizetype i) {
+            const int x = int(i / h), y = int(i % h);
+            putFilePixel(o + i * 4, reinterpret_cast<const QRgb*>(bits + (h - 1 - y) * bpl)[x]);
+        },
+        [&](int tx, int columns, int y0, int rows) {
             for (int r = 0; r < rows; ++r)
                 std::memcpy(
                     tile + r * TileColumns, bits + (h - 1 - y0 - r) * bpl + qsizetype(tx) * 4, size_t(columns) * 4);
@@ -157,10 +173,7 @@ void pictureBytes(const QImage& picture, qsizetype offset, qsizetype length, cha
                 for (int r = 0; r < rows; ++r)
                     putFilePixel(column + r * 4, tile[r * TileColumns + c]);
             }
-        }
-    }
-    for (qsizetype i = qsizetype(x1) * h; i < end; ++i)
-        point(i);
+        });
 }
 
 /** A pixel of the file (bytes R, G, B, A) as the picture holds it. */
@@ -180,29 +193,14 @@ inline QRgb filePixel(const uchar* p)
  */
 void picturePoints(const uchar* data, qsizetype offset, qsizetype length, uchar* bits, qsizetype bpl, int h)
 {
-    constexpr int TileColumns = 16;
-    constexpr int TileRows = 64;
     const uchar* base = data - offset; // byte i of the block, for i within the range
-    const qsizetype first = (offset + 3) / 4;
-    const qsizetype end = (offset + length) / 4;
-    auto point = [=](qsizetype i) {
-        const int x = int(i / h), y = int(i % h);
-        reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl)[x] = filePixel(base + i * 4);
-    };
-    const int x0 = int((first + h - 1) / h); // the first whole column
-    const int x1 = int(end / h); // behind the last whole column
-    if (x0 >= x1) {
-        for (qsizetype i = first; i < end; ++i)
-            point(i);
-        return;
-    }
-    for (qsizetype i = first; i < qsizetype(x0) * h; ++i)
-        point(i);
     alignas(64) QRgb tile[TileColumns * TileRows];
-    for (int tx = x0; tx < x1; tx += TileColumns) {
-        const int columns = qMin(TileColumns, x1 - tx);
-        for (int y0 = 0; y0 < h; y0 += TileRows) {
-            const int rows = qMin(TileRows, h - y0);
+    forPictureTiles((offset + 3) / 4, (offset + length) / 4, h,
+        [=](qsizetype i) {
+            const int x = int(i / h), y = int(i % h);
+            reinterpret_cast<QRgb*>(bits + (h - 1 - y) * bpl)[x] = filePixel(base + i * 4);
+        },
+        [&](int tx, int columns, int y0, int rows) {
             for (int c = 0; c < columns; ++c) {
                 const uchar* column = base + (qsizetype(tx + c) * h + y0) * 4;
                 for (int r = 0; r < rows; ++r)
@@ -210,11 +208,8 @@ void picturePoints(const uchar* data, qsizetype offset, qsizetype length, uchar*
             }
             for (int r = 0; r < rows; ++r)
                 PixelRows::store(bits + (h - 1 - y0 - r) * bpl + qsizetype(tx) * 4, tile + r * TileColumns, columns);
-        }
-    }
+        });
     PixelRows::finish();
-    for (qsizetype i = qsizetype(x1) * h; i < end; ++i)
-        point(i);
 }
 
 // ---- reading -----------------------------------------------------------------------------------------
